@@ -1,0 +1,54 @@
+#include "app/Cli.h"
+
+#include "app/AppInfo.h"
+
+#include <iterator>
+
+namespace vm::cli {
+
+namespace {
+
+// Each subsystem registers its commands here, in the order --help lists them.
+const CommandInfo kCommands[] = {
+    {"", "", nullptr}, // keeps the table non-empty while no command is registered
+};
+
+void printHelp(QTextStream &out)
+{
+    out << "Uso: valorimetrico-cli COMANDO [OPZIONI]\n\n"
+        << kProgramName << " " << programVersion() << ": il dossier titoli senza finestre.\n\nComandi:\n";
+    for (const auto &c : kCommands) {
+        if (c.run)
+            out << "  " << QString::fromLatin1(c.name).leftJustified(14) << QString::fromUtf8(c.summary) << "\n";
+    }
+    out << "\n'valorimetrico-cli COMANDO --help' descrive un comando.\n";
+}
+
+} // namespace
+
+bool wantsHelp(const QStringList &args)
+{
+    return args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"));
+}
+
+int run(const QStringList &args, Io &io)
+{
+    if (args.isEmpty()) {
+        printHelp(io.err);
+        return Usage;
+    }
+    const QString &name = args.first();
+    if (name == QLatin1String("--help") || name == QLatin1String("-h") || name == QLatin1String("aiuto")) {
+        printHelp(io.out);
+        return Ok;
+    }
+    for (const auto &c : kCommands) {
+        if (c.run && name == QLatin1String(c.name))
+            return c.run(args.mid(1), io);
+    }
+    io.err << "Comando sconosciuto: " << name << "\n";
+    printHelp(io.err);
+    return Usage;
+}
+
+} // namespace vm::cli

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QStringList>
+#include <QTextStream>
+
+namespace vm::cli {
+
+// Exit statuses shared by every command of valorimetrico-cli.
+enum Status { Ok = 0, Failure = 1, Usage = 2 };
+
+struct Io {
+    QTextStream &out;
+    QTextStream &err;
+};
+
+// A command receives the words after its own name.
+using Command = int (*)(const QStringList &args, Io &io);
+
+struct CommandInfo {
+    const char *name;
+    const char *summary; // one Italian line for the tool's --help
+    Command run;
+};
+
+// Runs the tool on its arguments (without the program name) and returns the exit status.
+int run(const QStringList &args, Io &io);
+
+// True when args asks for help (-h / --help) for a command; the command then prints its usage.
+bool wantsHelp(const QStringList &args);
+
+} // namespace vm::cli
