@@ -1,6 +1,7 @@
 #include "app/Cli.h"
 
 #include "app/AppInfo.h"
+#include "app/CliCheck.h"
 
 #include <iterator>
 
@@ -10,7 +11,7 @@ namespace {
 
 // Each subsystem registers its commands here, in the order --help lists them.
 const CommandInfo kCommands[] = {
-    {"", "", nullptr}, // keeps the table non-empty while no command is registered
+    {"verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica},
 };
 
 void printHelp(QTextStream &out)
