@@ -1,6 +1,7 @@
 #include "app/Cli.h"
 
 #include "app/AppInfo.h"
+#include "metastock/CliMetastock.h"
 
 #include <iterator>
 
@@ -10,7 +11,9 @@ namespace {
 
 // Each subsystem registers its commands here, in the order --help lists them.
 const CommandInfo kCommands[] = {
-    {"", "", nullptr}, // keeps the table non-empty while no command is registered
+    { "", "", nullptr }, // keeps the table non-empty while no command is registered
+    { "titoli", "elenca i titoli di una cartella MetaStock", vm::metastock::cmdTitoli },
+    { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
 };
 
 void printHelp(QTextStream &out)
