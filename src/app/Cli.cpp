@@ -1,6 +1,7 @@
 #include "app/Cli.h"
 
 #include "app/AppInfo.h"
+#include "store/StoreCli.h"
 
 #include <iterator>
 
@@ -11,6 +12,7 @@ namespace {
 // Each subsystem registers its commands here, in the order --help lists them.
 const CommandInfo kCommands[] = {
     {"", "", nullptr}, // keeps the table non-empty while no command is registered
+    {"crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio},
 };
 
 void printHelp(QTextStream &out)
