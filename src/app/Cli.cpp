@@ -13,10 +13,10 @@ namespace {
 
 // Each subsystem registers its commands here, in the order --help lists them.
 const CommandInfo kCommands[] = {
-    {"titoli", "elenca i titoli di una cartella MetaStock", vm::metastock::cmdTitoli},
-    {"quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni},
-    {"crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio},
-    {"verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica},
+    { "titoli", "elenca i titoli di una cartella MetaStock", vm::metastock::cmdTitoli },
+    { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
+    { "crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio },
+    { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
 };
 
 void printHelp(QTextStream &out)

@@ -29,8 +29,8 @@ EsitoCartella esito(EsitoCartella::Stato stato, const QString &percorso)
         e.testo = QStringLiteral("La directory ") + percorso + QStringLiteral(" non contiene files metastock");
         break;
     case EsitoCartella::Stato::InUso:
-        e.testo = QStringLiteral("ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella ")
-            + percorso;
+        e.testo
+            = QStringLiteral("ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella ") + percorso;
         break;
     case EsitoCartella::Stato::NonAggiornata:
         e.testo = QStringLiteral("Cartella ") + percorso + QStringLiteral(" non aggiornata con Quotaflusso");
@@ -107,8 +107,8 @@ VerificaArchivi verificaCartelle(const QStringList &cartelle, const AvanzamentoV
                         v.titoliNonValidi = true;
                     }
                     e = esito(cartella.marchio == metastock::kMarchioQuotaflusso ? EsitoCartella::Stato::Pronta
-                                                                                  : EsitoCartella::Stato::NonAggiornata,
-                              percorso);
+                                                                                 : EsitoCartella::Stato::NonAggiornata,
+                        percorso);
                 }
             }
         }
@@ -136,7 +136,8 @@ QString testoReport(const VerificaArchivi &verifica, const QDateTime &quando)
     for (const auto &riga : verifica.righeReport)
         testo += riga + QLatin1Char('\n');
     if (verifica.titoliNonValidi) {
-        testo += QStringLiteral("I titoli non validi vanno aggiornati con Quotaflusso, che scrive i sette campi standard.\n");
+        testo += QStringLiteral(
+            "I titoli non validi vanno aggiornati con Quotaflusso, che scrive i sette campi standard.\n");
         testo += QStringLiteral("Quotaflusso: ") + QLatin1String(kSitoQuotaflusso) + QLatin1Char('\n');
         testo += QStringLiteral("Assistenza: ") + QLatin1String(kPostaQuotaflusso) + QLatin1Char('\n');
     }
@@ -162,7 +163,7 @@ bool scriviReport(const QString &file, const VerificaArchivi &verifica, const QD
 
 QString messaggioNessunaCartella()
 {
-    return QStringList{
+    return QStringList {
         QStringLiteral("Le cartelle metastock non sono inserite, per l'uso del programma"),
         QStringLiteral("è preferibile inserire le cartelle metastock aggiornate con il"),
         QStringLiteral("programma Quotaflusso, in questo modo si potrà usare completamente"),

@@ -52,14 +52,15 @@ VerificaArchivi verificaCartelle(const QStringList &cartelle, const AvanzamentoV
 // The report "MstkTestFiles.txt" as the check writes it.
 QString testoReport(const VerificaArchivi &verifica, const QDateTime &quando);
 // Writes the report atomically; false (with the system's reason in errore) when it cannot.
-bool scriviReport(const QString &file, const VerificaArchivi &verifica, const QDateTime &quando,
-                  QString *errore = nullptr);
+bool scriviReport(
+    const QString &file, const VerificaArchivi &verifica, const QDateTime &quando, QString *errore = nullptr);
 
 // Message boxes of the check (text; their titles below).
 QString messaggioNessunaCartella();
 QString messaggioTitoliNonValidi();
 inline constexpr auto kTitoloNessunaCartella = "Cartelle metastock non inserite";
 inline constexpr auto kTitoloTitoliNonValidi = "Titoli non validi";
-inline constexpr auto kArchiviNonCompatibili = "Archivi metastock, non compatibili molte funzioni non sono disponibili.";
+inline constexpr auto kArchiviNonCompatibili
+    = "Archivi metastock, non compatibili molte funzioni non sono disponibili.";
 
 } // namespace vm

@@ -48,8 +48,8 @@ class TestFolderCheck : public QObject
             return path;
         QDir().mkpath(path);
         OpzioniArchivio opz;
-        QList<TitoloArchivio> titoli{titolo(QStringLiteral("ENEL"), QStringLiteral("ENEL")),
-                                     titolo(QStringLiteral("ENI"), QStringLiteral("ENI"))};
+        QList<TitoloArchivio> titoli { titolo(QStringLiteral("ENEL"), QStringLiteral("ENEL")),
+            titolo(QStringLiteral("ENI"), QStringLiteral("ENI")) };
         if (tipo == QLatin1String("vuota"))
             return path;
         if (tipo == QLatin1String("nonmarcata"))
@@ -62,7 +62,8 @@ class TestFolderCheck : public QObject
         if (!scriviArchivio(path, titoli, opz))
             qFatal("archive not written");
         if (tipo == QLatin1String("solalettura"))
-            QFile::setPermissions(path + QStringLiteral("MASTER"), QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+            QFile::setPermissions(
+                path + QStringLiteral("MASTER"), QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
         return path;
     }
 
@@ -76,24 +77,31 @@ private Q_SLOTS:
         QTest::addColumn<bool>("nonPronti");
         QTest::addColumn<bool>("titoliNonValidi");
 
-        QTest::newRow("marked, seven fields") << "pronta" << "Cartella %1 pronta" << QStringList{} << 0 << false << false;
-        QTest::newRow("lower-case file names") << "minuscola" << "Cartella %1 pronta" << QStringList{} << 0 << false
-                                               << false;
-        QTest::newRow("missing folder") << "mancante" << "Cartella %1 metastock non trovata"
-                                        << QStringList{"Errore Cartella %1 metastock non trovata"} << 1 << true << false;
-        QTest::newRow("no directory file") << "vuota" << "La directory %1 non contiene files metastock"
-                                           << QStringList{"Errore La directory %1 non contiene files metastock"} << 1
-                                           << true << false;
+        QTest::newRow("marked, seven fields") << "pronta"
+                                              << "Cartella %1 pronta" << QStringList {} << 0 << false << false;
+        QTest::newRow("lower-case file names") << "minuscola"
+                                               << "Cartella %1 pronta" << QStringList {} << 0 << false << false;
+        QTest::newRow("missing folder") << "mancante"
+                                        << "Cartella %1 metastock non trovata"
+                                        << QStringList { "Errore Cartella %1 metastock non trovata" } << 1 << true
+                                        << false;
+        QTest::newRow("no directory file")
+            << "vuota"
+            << "La directory %1 non contiene files metastock"
+            << QStringList { "Errore La directory %1 non contiene files metastock" } << 1 << true << false;
         QTest::newRow("read-only directory file")
-            << "solalettura" << "ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella %1"
-            << QStringList{"Errore ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella %1"} << 1
-            << true << false;
-        QTest::newRow("unmarked archive") << "nonmarcata" << "Cartella %1 non aggiornata con Quotaflusso"
-                                          << QStringList{"Errore Cartella %1 non aggiornata con Quotaflusso"} << 0
-                                          << true << false;
+            << "solalettura"
+            << "ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella %1"
+            << QStringList { "Errore ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella %1" }
+            << 1 << true << false;
+        QTest::newRow("unmarked archive")
+            << "nonmarcata"
+            << "Cartella %1 non aggiornata con Quotaflusso"
+            << QStringList { "Errore Cartella %1 non aggiornata con Quotaflusso" } << 0 << true << false;
         QTest::newRow("titles with 5 and 6 fields")
-            << "cinquecampi" << "Cartella %1 pronta"
-            << QStringList{"Errore titolo non valido FIAT AUTO", "Errore titolo non valido TELECOM"} << 0 << false
+            << "cinquecampi"
+            << "Cartella %1 pronta"
+            << QStringList { "Errore titolo non valido FIAT AUTO", "Errore titolo non valido TELECOM" } << 0 << false
             << true;
     }
 
@@ -108,7 +116,7 @@ private Q_SLOTS:
 
         const QString path = cartella(tipo);
         int chiamate = 0;
-        const auto v = verificaCartelle({path}, [&](int n, int totale, const EsitoCartella &) {
+        const auto v = verificaCartelle({ path }, [&](int n, int totale, const EsitoCartella &) {
             ++chiamate;
             QCOMPARE(n, 1);
             QCOMPARE(totale, 1);
@@ -140,15 +148,15 @@ private Q_SLOTS:
         const QString pronto = QStringLiteral("Pronto");
         const QString errore = QStringLiteral(
             "Errore sugli archivi metastock, verifica se i dati sono già utilizzati da altre applicazioni.");
-        QTest::newRow("all ready") << QStringList{"pronta", "minuscola"}
+        QTest::newRow("all ready") << QStringList { "pronta", "minuscola" }
                                    << "Archivi Metastock verificati, nessun errore." << pronto;
-        QTest::newRow("one missing") << QStringList{"pronta", "mancante"} << "Verificare le cartelle Metastock"
+        QTest::newRow("one missing") << QStringList { "pronta", "mancante" } << "Verificare le cartelle Metastock"
                                      << errore;
-        QTest::newRow("invalid titles") << QStringList{"cinquecampi"}
-                                        << "Alcuni titoli Metastock non sono conformi allo standard, verificare i titoli."
-                                        << pronto;
+        QTest::newRow("invalid titles")
+            << QStringList { "cinquecampi" }
+            << "Alcuni titoli Metastock non sono conformi allo standard, verificare i titoli." << pronto;
         QTest::newRow("invalid titles and unmarked")
-            << QStringList{"cinquecampi", "nonmarcata"}
+            << QStringList { "cinquecampi", "nonmarcata" }
             << "Alcuni titoli Metastock non sono conformi allo standard, verificare i titoli." << errore;
     }
 
@@ -183,29 +191,30 @@ private Q_SLOTS:
     {
         const QString ok = cartella(QStringLiteral("cinquecampi"));
         const QString missing = cartella(QStringLiteral("mancante"));
-        const auto v = verificaCartelle({ok, missing});
+        const auto v = verificaCartelle({ ok, missing });
         const QString file = m_tmp.filePath(QStringLiteral("MstkTestFiles.txt"));
         QVERIFY(scriviReport(file, v, QDateTime(QDate(2026, 11, 23), QTime(9, 5, 7))));
         QFile f(file);
         QVERIFY(f.open(QIODevice::ReadOnly));
         const QStringList righe = QString::fromUtf8(f.readAll()).split(QLatin1Char('\n'));
-        QCOMPARE(righe.mid(0, 6), (QStringList{
-                                      "",
-                                      "Report Test Metastock files, stampato 23/11/2026 09:05:07",
-                                      "",
-                                      "Errore titolo non valido FIAT AUTO",
-                                      "Errore titolo non valido TELECOM",
-                                      "Errore Cartella " + missing + " metastock non trovata",
-                                  }));
+        QCOMPARE(righe.mid(0, 6),
+            (QStringList {
+                "",
+                "Report Test Metastock files, stampato 23/11/2026 09:05:07",
+                "",
+                "Errore titolo non valido FIAT AUTO",
+                "Errore titolo non valido TELECOM",
+                "Errore Cartella " + missing + " metastock non trovata",
+            }));
         // The closing block sends the user to the companion program, and nothing follows it.
         QCOMPARE(righe.size(), 6 + 3 + 1);
         QVERIFY(righe.at(7).contains(QLatin1String(kSitoQuotaflusso)));
         QVERIFY(righe.last().isEmpty());
 
         // Without invalid titles there is no closing block.
-        const auto pulita = verificaCartelle({cartella(QStringLiteral("pronta"))});
+        const auto pulita = verificaCartelle({ cartella(QStringLiteral("pronta")) });
         QCOMPARE(testoReport(pulita, QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5))),
-                 QStringLiteral("\nReport Test Metastock files, stampato 02/01/2026 03:04:05\n\n"));
+            QStringLiteral("\nReport Test Metastock files, stampato 02/01/2026 03:04:05\n\n"));
     }
 
     // The same check from the command line, on a program folder whose database lists the folders.
@@ -213,10 +222,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("tipi");
         QTest::addColumn<int>("uscita");
-        QTest::newRow("ready") << QStringList{"pronta", "minuscola"} << 0;
-        QTest::newRow("unmarked") << QStringList{"pronta", "nonmarcata"} << 1;
-        QTest::newRow("invalid titles") << QStringList{"cinquecampi"} << 1;
-        QTest::newRow("no folders") << QStringList{} << 1;
+        QTest::newRow("ready") << QStringList { "pronta", "minuscola" } << 0;
+        QTest::newRow("unmarked") << QStringList { "pronta", "nonmarcata" } << 1;
+        QTest::newRow("invalid titles") << QStringList { "cinquecampi" } << 1;
+        QTest::newRow("no folders") << QStringList {} << 1;
     }
 
     void commandLine()
@@ -235,7 +244,7 @@ private Q_SLOTS:
             QVERIFY(d.replaceFolders(cartelle));
         }
         QProcess cli;
-        cli.start(QStringLiteral(VM_CLI_PATH), {"verifica", "--cartella", programma.path()});
+        cli.start(QStringLiteral(VM_CLI_PATH), { "verifica", "--cartella", programma.path() });
         QVERIFY(cli.waitForFinished(60000));
         QCOMPARE(cli.exitCode(), uscita);
         const QString out = QString::fromUtf8(cli.readAllStandardOutput());
@@ -253,7 +262,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("titoliNonValidi");
         // None of them carries the companion program's mark.
         QTest::newRow("italia-2010: 255 + 207 titles, 7 fields") << "italia-2010" << 0;
-        QTest::newRow("sei-campi: 25 titles with 6 fields") << "sei-campi" << 25;
+        QTest::newRow("sei-campi: 23 of 25 titles with 6 fields") << "sei-campi" << 23;
         QTest::newRow("futures, lower-case names") << "futures-2y-note" << 0;
     }
 
@@ -261,10 +270,18 @@ private Q_SLOTS:
     {
         QFETCH(QString, nome);
         QFETCH(int, titoliNonValidi);
-        const QString path = QStringLiteral(VM_FIXTURES_DIR "/") + nome + QLatin1Char('/');
-        if (!QFileInfo(path).isDir())
+        const QString origine = QStringLiteral(VM_FIXTURES_DIR "/") + nome;
+        if (!QFileInfo(origine).isDir())
             QSKIP("real archives not present");
-        const auto v = verificaCartelle({path});
+        // The shared copies are read-only on disk, which the check rightly takes for a folder in use:
+        // check a writable copy.
+        const QString path = m_tmp.filePath(nome) + QLatin1Char('/');
+        QDir().mkpath(path);
+        for (const auto &f : QDir(origine).entryInfoList(QDir::Files)) {
+            QVERIFY(QFile::copy(f.filePath(), path + f.fileName()));
+            QFile::setPermissions(path + f.fileName(), QFile::ReadOwner | QFile::WriteOwner);
+        }
+        const auto v = verificaCartelle({ path });
         QCOMPARE(v.esiti.first().testo, "Cartella " + path + " non aggiornata con Quotaflusso");
         QCOMPARE(v.righeReport.size(), titoliNonValidi + 1);
         QCOMPARE(v.titoliNonValidi, titoliNonValidi > 0);
