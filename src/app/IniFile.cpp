@@ -191,14 +191,15 @@ QString cutToBuffer(QStringView value)
     return value.left(n).toString();
 }
 
-bool hasLineBreak(QStringView s)
+// Characters that would end the line early, in the file or for a reader in C.
+bool breaksLine(QStringView s)
 {
     return s.contains(u'\n') || s.contains(u'\r') || s.contains(QChar(0));
 }
 
 bool canStore(QStringView section, QStringView key, QStringView value)
 {
-    if (section.isEmpty() || key.isEmpty() || hasLineBreak(section) || hasLineBreak(key) || hasLineBreak(value))
+    if (section.isEmpty() || key.isEmpty() || breaksLine(section) || breaksLine(key) || breaksLine(value))
         return false;
     if (section.contains(u']') || key.contains(u'='))
         return false;
@@ -225,7 +226,6 @@ bool writeIni(const QString &file, QStringView section, QStringView key, QString
     }
 
     const QString stored = quoteIfNeeded(value);
-    QString replacement; // the one changed or added line(s)
     qsizetype replaceAt = -1, insertAfter = -1;
     bool inSection = false;
     for (qsizetype i = 0; i < qsizetype(lines.size()) && replaceAt < 0; ++i) {

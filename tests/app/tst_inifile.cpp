@@ -41,6 +41,8 @@ private:
     QString path() const { return dir.filePath(QStringLiteral("valorimetrico.ini")); }
 };
 
+// Rows share one shape: file bytes (nullptr: no file), section and key asked, expected value (UTF-8).
+// The default is "d" unless a row says otherwise.
 void TestIniFile::read_data()
 {
     QTest::addColumn<QByteArray>("file");
@@ -49,120 +51,58 @@ void TestIniFile::read_data()
     QTest::addColumn<QString>("defaultValue");
     QTest::addColumn<QString>("expected");
 
-    const QString a250(250, u'a'), a199(199, u'a');
-    const QString emoji = QString::fromUtf8("\xF0\x9F\x98\x80"); // two UTF-16 units
-    const QString cutInside = QString(198, u'b') + emoji + u'c';
+    const struct {
+        const char *tag, *file, *section, *key, *expected;
+    } rows[] = {
+        { "no file", nullptr, "Opzioni", "Splash", "d" },
+        { "case ignored", "[OPZIONI]\nsplash=0\n", "opzioni", "SPLASH", "0" },
+        { "blanks around names and value", "[ Spese ]\n\t Capital Gain \t=  12,5 \t\n", "Spese", "Capital Gain",
+            "12,5" },
+        { "backslashes as written", "[S]\nk=C:\\Programmi\\Q f\\q.exe\n", "S", "k", "C:\\Programmi\\Q f\\q.exe" },
+        { "commas not split", "[S]\nk=1,2, 3\n", "S", "k", "1,2, 3" },
+        { "second equals sign kept", "[S]\nk=a=b\n", "S", "k", "a=b" },
+        { "double quotes removed", "[S]\nk=\"  x  \"\n", "S", "k", "  x  " },
+        { "single quotes removed", "[S]\nk='x'\n", "S", "k", "x" },
+        { "unmatched quote kept", "[S]\nk=\"x'\n", "S", "k", "\"x'" },
+        { "empty value is not missing", "[S]\nk=\n", "S", "k", "" },
+        { "missing key", "[S]\nj=1\n", "S", "k", "d" },
+        { "key of another section", "[T]\nk=1\n[S]\n", "S", "k", "d" },
+        { "key before any section", "k=1\n[S]\n", "S", "k", "d" },
+        { "comment lines", "[S]\n;k=1\n#k=2\n", "S", "k", "d" },
+        { "first key wins", "[S]\nk=1\nk=2\n", "S", "k", "1" },
+        { "repeated section", "[S]\na=1\n[T]\nk=0\n[s]\nk=2\n", "S", "k", "2" },
+        { "CRLF", "[S]\r\nk=v\r\nj=w\r\n", "S", "k", "v" },
+        { "UTF-8", "[S]\nk=Citt\xC3\xA0 \xE2\x82\xAC\n", "S", "k", "Città €" },
+        { "UTF-8 byte-order mark", "\xEF\xBB\xBF[S]\nk=v\n", "S", "k", "v" },
+        { "Windows-1252", "[S]\nk=Citt\xE0 \x80 \x9C\n", "S", "k", "Città € œ" },
+        { "Windows-1252 section name", "[Propriet\xE0]\nk=1\n", "PROPRIETÀ", "k", "1" },
+        { "header without bracket", "[T]\nk=1\n[S\nk=2\n", "S", "k", "2" },
+    };
+    for (const auto &r : rows)
+        QTest::newRow(r.tag) << QByteArray(r.file) << QString::fromUtf8(r.section) << QString::fromUtf8(r.key) << "d"
+                             << QString::fromUtf8(r.expected);
 
-    QTest::newRow("no file") << QByteArray() << "Opzioni"
-                             << "Splash"
-                             << "1"
-                             << "1";
-    QTest::newRow("plain") << QByteArray("[Opzioni]\nSplash=0\n") << "Opzioni"
-                           << "Splash"
-                           << "1"
-                           << "0";
-    QTest::newRow("case ignored") << QByteArray("[OPZIONI]\nsplash=0\n") << "opzioni"
-                                  << "SPLASH"
-                                  << "1"
-                                  << "0";
-    QTest::newRow("blanks around names and value") << QByteArray("[ Spese ]\n\t Capital Gain \t=  12,5 \t\n") << "Spese"
-                                                   << "Capital Gain"
-                                                   << "0"
-                                                   << "12,5";
-    QTest::newRow("backslashes as written")
-        << QByteArray("[Strumenti]\nQuotaflusso=C:\\Programmi\\Q f\\q.exe\n") << "Strumenti"
-        << "Quotaflusso"
-        << ""
-        << "C:\\Programmi\\Q f\\q.exe";
-    QTest::newRow("commas not split") << QByteArray("[S]\nk=1,2, 3\n") << "S"
-                                      << "k"
-                                      << ""
-                                      << "1,2, 3";
-    QTest::newRow("second equals sign kept") << QByteArray("[S]\nk=a=b\n") << "S"
-                                             << "k"
-                                             << ""
-                                             << "a=b";
-    QTest::newRow("double quotes removed") << QByteArray("[S]\nk=\"  x  \"\n") << "S"
-                                           << "k"
-                                           << ""
-                                           << "  x  ";
-    QTest::newRow("single quotes removed") << QByteArray("[S]\nk='x'\n") << "S"
-                                           << "k"
-                                           << ""
-                                           << "x";
-    QTest::newRow("unmatched quote kept") << QByteArray("[S]\nk=\"x'\n") << "S"
-                                          << "k"
-                                          << ""
-                                          << "\"x'";
-    QTest::newRow("empty value is not missing") << QByteArray("[S]\nk=\n") << "S"
-                                                << "k"
-                                                << "d"
-                                                << "";
-    QTest::newRow("missing key") << QByteArray("[S]\nj=1\n") << "S"
-                                 << "k"
-                                 << "d"
-                                 << "d";
-    QTest::newRow("key of another section") << QByteArray("[T]\nk=1\n[S]\n") << "S"
-                                            << "k"
-                                            << "d"
-                                            << "d";
-    QTest::newRow("key before any section") << QByteArray("k=1\n[S]\n") << "S"
-                                            << "k"
-                                            << "d"
-                                            << "d";
-    QTest::newRow("comment lines") << QByteArray("[S]\n;k=1\n#k=2\n") << "S"
-                                   << "k"
-                                   << "d"
-                                   << "d";
-    QTest::newRow("first key wins") << QByteArray("[S]\nk=1\nk=2\n") << "S"
+    const QString a250(250, u'a'), a199(199, u'a');
+    const QString cutInside = QString(198, u'b') + QString::fromUtf8("\xF0\x9F\x98\x80") + u'c';
+    QTest::newRow("long value cut") << ("[S]\nk=" + a250.toLatin1()) << "S"
                                     << "k"
-                                    << ""
-                                    << "1";
-    QTest::newRow("repeated section") << QByteArray("[S]\na=1\n[T]\nk=0\n[s]\nk=2\n") << "S"
-                                      << "k"
-                                      << ""
-                                      << "2";
-    QTest::newRow("CRLF") << QByteArray("[S]\r\nk=v\r\nj=w\r\n") << "S"
-                          << "k"
-                          << ""
-                          << "v";
-    QTest::newRow("UTF-8") << QByteArray("[S]\nk=Citt\xC3\xA0 \xE2\x82\xAC\n") << "S"
-                           << "k"
-                           << "" << QString::fromUtf8("Città €");
-    QTest::newRow("UTF-8 byte-order mark") << QByteArray("\xEF\xBB\xBF[S]\nk=v\n") << "S"
-                                           << "k"
-                                           << ""
-                                           << "v";
-    QTest::newRow("Windows-1252") << QByteArray("[S]\nk=Citt\xE0 \x80 \x9C\n") << "S"
-                                  << "k"
-                                  << "" << QString::fromUtf8("Città € œ");
-    QTest::newRow("Windows-1252 section name")
-        << QByteArray("[Propriet\xE0]\nk=1\n") << QString::fromUtf8("PROPRIETÀ") << "k"
-        << ""
-        << "1";
-    QTest::newRow("UTF-16 with mark") << QByteArray("\xFF\xFE[\0S\0]\0\n\0k\0=\0v\0", 16) << "S"
-                                      << "k"
-                                      << ""
-                                      << "v";
-    QTest::newRow("long value cut") << (QByteArray("[S]\nk=") + a250.toLatin1()) << "S"
-                                    << "k"
-                                    << "" << a199;
+                                    << "d" << a199;
     QTest::newRow("long default cut") << QByteArray() << "S"
                                       << "k" << a250 << a199;
-    QTest::newRow("no half character at the cut") << (QByteArray("[S]\nk=") + cutInside.toUtf8()) << "S"
+    QTest::newRow("no half character at the cut") << ("[S]\nk=" + cutInside.toUtf8()) << "S"
                                                   << "k"
-                                                  << "" << QString(198, u'b');
-    QTest::newRow("header without bracket") << QByteArray("[T]\nk=1\n[S\nk=2\n") << "S"
-                                            << "k"
-                                            << ""
-                                            << "2";
+                                                  << "d" << QString(198, u'b');
+    QTest::newRow("UTF-16 with mark") << QByteArray("\xFF\xFE[\0S\0]\0\n\0k\0=\0v\0", 16) << "S"
+                                      << "k"
+                                      << "d"
+                                      << "v";
     QTest::newRow("garbage") << QByteArray("\0\xFF\xFE\x01[\n=\n]]\n[\n", 12) << "S"
                              << "k"
                              << "d"
                              << "d";
-    QTest::newRow("NUL inside a value") << QByteArray("[S]\nk=a\0b\n", 10) << "S"
-                                        << "k"
-                                        << "" << QString::fromLatin1("a\0b", 3);
+    QTest::newRow("NUL in a value") << QByteArray("[S]\nk=a\0b\n", 10) << "S"
+                                    << "k"
+                                    << "d" << QString::fromLatin1("a\0b", 3);
 }
 
 void TestIniFile::read()
@@ -177,72 +117,48 @@ void TestIniFile::read()
     QCOMPARE(vm::readIni(path(), section, key, defaultValue), expected);
 }
 
+// Every row writes key "k" of section "S" and checks the whole file afterwards.
 void TestIniFile::write_data()
 {
     QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QString>("section");
-    QTest::addColumn<QString>("key");
     QTest::addColumn<QString>("value");
     QTest::addColumn<QByteArray>("after");
 
-    QTest::newRow("creates the file") << QByteArray() << "Opzioni"
-                                      << "Splash"
-                                      << "0" << QByteArray("[Opzioni]\nSplash=0\n");
-    QTest::newRow("adds a section at the end") << QByteArray("; commento\n[A]\nx=1\n") << "Grafico"
-                                               << "Dati"
-                                               << "2" << QByteArray("; commento\n[A]\nx=1\n\n[Grafico]\nDati=2\n");
-    QTest::newRow("adds a key after the section's last line")
-        << QByteArray("[Grafico]\nDati=2\n; nota\n\n[Opzioni]\nSplash=1\n") << "grafico"
-        << "Tipo"
-        << "3" << QByteArray("[Grafico]\nDati=2\n; nota\nTipo=3\n\n[Opzioni]\nSplash=1\n");
-    QTest::newRow("replaces in place keeping spelling and spacing")
-        << QByteArray("[opzioni]\r\n  SPLASH = 1 \r\n; c\r\n[Z]\r\nSplash=1\r\n") << "Opzioni"
-        << "Splash"
-        << "0" << QByteArray("[opzioni]\r\n  SPLASH = 0 \r\n; c\r\n[Z]\r\nSplash=1\r\n");
-    QTest::newRow("keeps CRLF for a new key") << QByteArray("[S]\r\na=1\r\n") << "S"
-                                              << "b"
-                                              << "2" << QByteArray("[S]\r\na=1\r\nb=2\r\n");
-    QTest::newRow("last line without line end") << QByteArray("[S]\na=1") << "S"
-                                                << "b"
-                                                << "2" << QByteArray("[S]\na=1\nb=2\n");
-    QTest::newRow("new section after a line without line end") << QByteArray("[S]\na=1") << "T"
-                                                               << "b"
-                                                               << "2" << QByteArray("[S]\na=1\n\n[T]\nb=2\n");
-    QTest::newRow("Windows-1252 file becomes UTF-8") << QByteArray("[S]\nn=Citt\xE0\nk=1\n") << "S"
-                                                     << "k"
-                                                     << "2" << QByteArray("[S]\nn=Citt\xC3\xA0\nk=2\n");
-    QTest::newRow("value kept as written")
-        << QByteArray("[Strumenti]\n") << "Strumenti"
-        << "Quotaflusso"
-        << "C:\\Programmi\\a,b\\q.exe" << QByteArray("[Strumenti]\nQuotaflusso=C:\\Programmi\\a,b\\q.exe\n");
-    QTest::newRow("blanks at the ends quoted") << QByteArray("[S]\nk=1\n") << "S"
-                                               << "k"
-                                               << " x " << QByteArray("[S]\nk=\" x \"\n");
-    QTest::newRow("quoted value quoted again") << QByteArray("[S]\nk=1\n") << "S"
-                                               << "k"
-                                               << "'q'" << QByteArray("[S]\nk=\"'q'\"\n");
-    QTest::newRow("empty value") << QByteArray("[S]\nk=1\n") << "S"
-                                 << "k"
-                                 << "" << QByteArray("[S]\nk=\n");
-    QTest::newRow("Unicode value") << QByteArray() << "S"
-                                   << "k" << QString::fromUtf8("Città €")
-                                   << QByteArray("[S]\nk=Citt\xC3\xA0 \xE2\x82\xAC\n");
+    const struct {
+        const char *tag, *before, *value, *after;
+    } rows[] = {
+        { "creates the file", nullptr, "0", "[S]\nk=0\n" },
+        { "adds a section at the end", "; commento\n[A]\nk=1\n", "2", "; commento\n[A]\nk=1\n\n[S]\nk=2\n" },
+        { "adds a key after the section's last line", "[s]\nj=2\n; nota\n\n[A]\nk=1\n", "3",
+            "[s]\nj=2\n; nota\nk=3\n\n[A]\nk=1\n" },
+        { "replaces in place keeping spelling and spacing", "[s]\r\n  K = 1 \r\n; c\r\n[Z]\r\nk=1\r\n", "0",
+            "[s]\r\n  K = 0 \r\n; c\r\n[Z]\r\nk=1\r\n" },
+        { "keeps CRLF for a new key", "[S]\r\na=1\r\n", "2", "[S]\r\na=1\r\nk=2\r\n" },
+        { "last line without line end", "[S]\na=1", "2", "[S]\na=1\nk=2\n" },
+        { "new section after a line without line end", "[T]\na=1", "2", "[T]\na=1\n\n[S]\nk=2\n" },
+        { "Windows-1252 file becomes UTF-8", "[S]\nn=Citt\xE0\nk=1\n", "2", "[S]\nn=Citt\xC3\xA0\nk=2\n" },
+        { "value kept as written", "[S]\n", "C:\\Programmi\\a,b\\q.exe", "[S]\nk=C:\\Programmi\\a,b\\q.exe\n" },
+        { "blanks at the ends quoted", "[S]\nk=1\n", " x ", "[S]\nk=\" x \"\n" },
+        { "quoted value quoted again", "[S]\nk=1\n", "'q'", "[S]\nk=\"'q'\"\n" },
+        { "empty value", "[S]\nk=1\n", "", "[S]\nk=\n" },
+        { "Unicode value", nullptr, "Citt\xC3\xA0 \xE2\x82\xAC", "[S]\nk=Citt\xC3\xA0 \xE2\x82\xAC\n" },
+    };
+    for (const auto &r : rows)
+        QTest::newRow(r.tag) << QByteArray(r.before) << QString::fromUtf8(r.value) << QByteArray(r.after);
 }
 
 void TestIniFile::write()
 {
     QFETCH(QByteArray, before);
-    QFETCH(QString, section);
-    QFETCH(QString, key);
     QFETCH(QString, value);
     QFETCH(QByteArray, after);
     QFile::remove(path());
     writeBytes(path(), before);
     vm::EsitoScritturaIni = 0;
-    QVERIFY(vm::ScriviIni(path(), section, key, value));
+    QVERIFY(vm::ScriviIni(path(), u"S", u"k", value));
     QCOMPARE(vm::EsitoScritturaIni, qint16(1));
     QCOMPARE(readBytes(path()), after);
-    QCOMPARE(vm::readIni(path(), section, key, u"?"), value);
+    QCOMPARE(vm::readIni(path(), u"S", u"k", u"?"), value);
 }
 
 void TestIniFile::writeRefused_data()

@@ -17,8 +17,6 @@ private Q_SLOTS:
     void splash();
     void colourChoice_data();
     void colourChoice();
-    void colours_data();
-    void colours();
 
 private:
     QTemporaryDir dir;
@@ -64,22 +62,25 @@ void TestSettings::chartSettings_data()
     QTest::addColumn<int>("error");
     QTest::addColumn<QList<double>>("values"); // Dati, Sfondo, Assi, Tipo, Griglie, Periodo
 
-    QTest::newRow("all set") << QByteArray("[grafico]\nPeriodo=50\nGriglie=3\nTipo=2\nAssi=7\nSfondo=0\nDati=12\n") << 0
-                             << QList<double> { 12, 0, 7, 2, 3, 50 };
-    QTest::newRow("decimal type kept") << QByteArray("[Grafico]\nTipo=2,5\n") << 0
-                                       << QList<double> { 2, 15, 0, 2.5, 1, 25 };
-    QTest::newRow("integer half to even down")
-        << QByteArray("[Grafico]\nGriglie=2,5\n") << 0 << QList<double> { 2, 15, 0, 1, 2, 25 };
-    QTest::newRow("integer half to even up")
-        << QByteArray("[Grafico]\nGriglie=3,5\n") << 0 << QList<double> { 2, 15, 0, 1, 4, 25 };
-    QTest::newRow("not a number") << QByteArray("[Grafico]\nDati=si\nSfondo=3\n") << vm::kErroreTipoNonCorrispondente
-                                  << QList<double> { 2, 15, 0, 1, 1, 25 };
-    QTest::newRow("empty is not a number")
-        << QByteArray("[Grafico]\nAssi=\n") << vm::kErroreTipoNonCorrispondente << QList<double> { 2, 15, 0, 1, 1, 25 };
-    QTest::newRow("overflow keeps earlier values") << QByteArray("[Grafico]\nDati=4\nPeriodo=40000\n")
-                                                   << vm::kErroreOverflow << QList<double> { 4, 15, 0, 1, 1, 25 };
-    QTest::newRow("largest 16-bit") << QByteArray("[Grafico]\nPeriodo=32.767\n") << 0
-                                    << QList<double> { 2, 15, 0, 1, 1, 32767 };
+    const int mismatch = vm::kErroreTipoNonCorrispondente;
+    const struct {
+        const char *tag, *contents;
+        int error;
+        QList<double> values;
+    } rows[] = {
+        { "all set", "[grafico]\nPeriodo=50\nGriglie=3\nTipo=2\nAssi=7\nSfondo=0\nDati=12\n", 0,
+            { 12, 0, 7, 2, 3, 50 } },
+        { "decimal type kept", "[Grafico]\nTipo=2,5\n", 0, { 2, 15, 0, 2.5, 1, 25 } },
+        { "integer half to even down", "[Grafico]\nGriglie=2,5\n", 0, { 2, 15, 0, 1, 2, 25 } },
+        { "integer half to even up", "[Grafico]\nGriglie=3,5\n", 0, { 2, 15, 0, 1, 4, 25 } },
+        { "not a number", "[Grafico]\nDati=si\nSfondo=3\n", mismatch, { 2, 15, 0, 1, 1, 25 } },
+        { "empty is not a number", "[Grafico]\nAssi=\n", mismatch, { 2, 15, 0, 1, 1, 25 } },
+        { "overflow keeps earlier values", "[Grafico]\nDati=4\nPeriodo=40000\n", vm::kErroreOverflow,
+            { 4, 15, 0, 1, 1, 25 } },
+        { "largest 16-bit", "[Grafico]\nPeriodo=32.767\n", 0, { 2, 15, 0, 1, 1, 32767 } },
+    };
+    for (const auto &r : rows)
+        QTest::newRow(r.tag) << QByteArray(r.contents) << r.error << r.values;
 }
 
 void TestSettings::chartSettings()
@@ -177,34 +178,6 @@ void TestSettings::colourChoice()
     QCOMPARE(vm::readIni(file, section, key, u""), QStringLiteral("12"));
     const QString other = section == u"Grafico" ? QStringLiteral("GraficoStorico") : QStringLiteral("Grafico");
     QCOMPARE(vm::readIni(file, other, key, u"none"), QStringLiteral("none"));
-}
-
-void TestSettings::colours_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<quint32>("rgb");
-
-    QTest::newRow("0") << 0 << "Black" << 0xFF000000u;
-    QTest::newRow("2") << 2 << "Green" << 0xFF00AA00u;
-    QTest::newRow("6") << 6 << "Brown" << 0xFFAA5500u;
-    QTest::newRow("12") << 12 << "Light red" << 0xFFFF5555u;
-    QTest::newRow("15") << 15 << "White" << 0xFFFFFFFFu;
-    QTest::newRow("-1") << -1 << "" << 0u;
-    QTest::newRow("16") << 16 << "" << 0u;
-}
-
-void TestSettings::colours()
-{
-    QFETCH(int, index);
-    QFETCH(QString, name);
-    QFETCH(quint32, rgb);
-    const auto colour = vm::consoleColourRgb(index);
-    QCOMPARE(colour.has_value(), !name.isEmpty());
-    if (colour) {
-        QCOMPARE(QString::fromLatin1(vm::kConsoleColours[index].name), name);
-        QCOMPARE(*colour, rgb);
-    }
 }
 
 QTEST_APPLESS_MAIN(TestSettings)
