@@ -2,6 +2,7 @@
 
 #include "app/AppInfo.h"
 #include "app/CliCheck.h"
+#include "dossier/DossierCli.h"
 #include "metastock/CliMetastock.h"
 #include "store/StoreCli.h"
 
@@ -17,6 +18,7 @@ const CommandInfo kCommands[] = {
     { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
     { "crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio },
     { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
+    { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
 };
 
 void printHelp(QTextStream &out)

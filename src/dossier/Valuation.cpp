@@ -1,0 +1,237 @@
+#include "dossier/Valuation.h"
+
+#include "app/Format.h"
+#include "metastock/Master.h"
+#include "metastock/Prezzi.h"
+
+#include <QHash>
+
+#include <vector>
+
+namespace vm::dossier {
+
+namespace {
+
+using metastock::CartellaMS;
+using metastock::RecordMaster;
+
+// Symbols are compared with their blanks trimmed, letter case counting.
+QString senzaSpazi(QStringView testo)
+{
+    qsizetype inizio = 0;
+    qsizetype fine = testo.size();
+    while (inizio < fine && testo.at(inizio) == u' ')
+        ++inizio;
+    while (fine > inizio && testo.at(fine - 1) == u' ')
+        --fine;
+    return testo.sliced(inizio, fine - inizio).toString();
+}
+
+double valoreTesto(const QString &testo)
+{
+    return parseNumber(testo).value_or(0.0);
+}
+
+// The folders of one valuation. A folder's directory is read, and its symbols indexed, when a title
+// first needs it; the titles that follow find it ready.
+class Archivi
+{
+public:
+    explicit Archivi(const QStringList &cartelle)
+        : m_archivio(cartelle)
+        , m_indici(cartelle.size())
+    { }
+
+    RigaDossier TrovaTicker(const store::DossierRow &titolo, QList<Avviso> &avvisi);
+
+private:
+    struct Indice {
+        bool pronto = false;
+        QHash<QString, const RecordMaster *> simboli; // the first record of each trimmed symbol
+    };
+
+    const QHash<QString, const RecordMaster *> &simboli(int i, const CartellaMS &cartella);
+
+    metastock::ArchivioMS m_archivio;
+    std::vector<Indice> m_indici;
+};
+
+const QHash<QString, const RecordMaster *> &Archivi::simboli(int i, const CartellaMS &cartella)
+{
+    Indice &indice = m_indici[i];
+    if (indice.pronto)
+        return indice.simboli;
+    indice.pronto = true;
+    // Only MASTER is searched, and only as many records as the low byte of its count announces: the
+    // titles that XMASTER adds are outside the valuation.
+    const int conteggio = cartella.conteggioMaster & 0xFF;
+    for (const RecordMaster &t : cartella.titoli) {
+        if (t.elenco != metastock::Elenco::Master || t.posizione - 1 > conteggio)
+            continue;
+        if (!indice.simboli.contains(t.simbolo))
+            indice.simboli.insert(t.simbolo, &t);
+    }
+    return indice.simboli;
+}
+
+RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> &avvisi)
+{
+    RigaDossier riga;
+    riga.idTitolo = titolo.idTitolo;
+    riga.simbolo = titolo.titolo;
+    riga.descrizione = titolo.descrizione;
+    riga.prezzo = titolo.prezzo;
+    riga.qta = titolo.qta;
+    const double qta = static_cast<double>(titolo.qta);
+    riga.acquisto = titolo.prezzo * qta;
+    riga.testoAcquisto = formatPattern(riga.acquisto, kFormatoValore);
+
+    const QString cercato = senzaSpazi(titolo.titolo);
+    const RecordMaster *trovato = nullptr;
+    const CartellaMS *cartella = nullptr;
+    for (int i = 0; i < m_archivio.cartelle().size() && !trovato; ++i) {
+        const CartellaMS &c = m_archivio.cartella(i);
+        if (c.stato == CartellaMS::Stato::CartellaMancante) {
+            avvisi.append({ QString::fromUtf8(kTitoloCartellaMancante),
+                QStringLiteral("Errore su lettura ") + c.percorso, Avviso::Icona::Critica, false });
+            break;
+        }
+        trovato = simboli(i, c).value(cercato);
+        cartella = &c;
+    }
+
+    if (!trovato) {
+        riga.stato = StatoTitolo::NonTrovato;
+        riga.testoData = QString::fromLatin1(kDataNonTrovato);
+        riga.testoAttuale = QString::fromLatin1(kValoreNonTrovato);
+        riga.testoDifferenza = QString::fromLatin1(kValoreNonTrovato);
+        riga.testoPercentuale = QString::fromLatin1(kPercentualeNulla);
+        return riga;
+    }
+
+    riga.cartella = cartella->percorso;
+    QString errore;
+    riga.chiusura = metastock::PrezzoMs(cartella->percorsoPrezzi(*trovato), trovato->campi, &errore).value_or(0.0f);
+    if (!errore.isEmpty())
+        avvisi.append({ QString::fromUtf8(kTitoloProgramma), errore, Avviso::Icona::Critica, false });
+
+    const double chiusura = riga.chiusura;
+    riga.attuale = chiusura * qta;
+    riga.differenza = (chiusura - titolo.prezzo) * qta;
+    riga.testoAttuale = formatPattern(riga.attuale, kFormatoValore);
+    riga.testoDifferenza = formatPattern(riga.differenza, kFormatoValore);
+
+    const bool marcato = trovato->marcato();
+    riga.stato = marcato ? StatoTitolo::Trovato : StatoTitolo::NonCompatibile;
+    if (marcato) {
+        riga.dataUltima = trovato->ultimaData;
+        riga.testoData = formatDate(riga.dataUltima, kFormatoData);
+    }
+    if (marcato && titolo.prezzo != 0) {
+        riga.percentuale = (chiusura - titolo.prezzo) / titolo.prezzo;
+        riga.testoPercentuale = formatPattern(riga.percentuale, kFormatoPercentuale);
+    } else {
+        riga.testoPercentuale = QString::fromLatin1(kPercentualeNulla);
+    }
+    return riga;
+}
+
+} // namespace
+
+QString nomeStato(StatoTitolo stato)
+{
+    switch (stato) {
+    case StatoTitolo::Trovato:
+        return QStringLiteral("trovato");
+    case StatoTitolo::NonCompatibile:
+        return QStringLiteral("non-compatibile");
+    case StatoTitolo::NonTrovato:
+        break;
+    }
+    return QStringLiteral("non-trovato");
+}
+
+Valutazione PreparaDati(
+    const QStringList &cartelle, const QList<store::DossierRow> &dossier, const Avanzamento &avanzamento)
+{
+    Valutazione v;
+    if (cartelle.isEmpty()) {
+        v.avvisi.append({ QString::fromUtf8(kTitoloProgramma), QString::fromUtf8(kMessaggioNessunaCartella),
+            Avviso::Icona::Nessuna, false });
+        return v;
+    }
+    Archivi archivi(cartelle);
+    v.righe.reserve(dossier.size());
+    for (const store::DossierRow &titolo : dossier) {
+        RigaDossier riga = archivi.TrovaTicker(titolo, v.avvisi);
+        if (riga.chiusura == 0.0f) {
+            v.avvisi.append({ QString::fromUtf8(kTitoloTitoloMancante),
+                messaggioTitoloMancante(titolo.titolo, riga.acquisto), Avviso::Icona::Critica, true });
+        }
+        v.righe.append(std::move(riga));
+        if (avanzamento)
+            avanzamento(int(v.righe.size()), int(dossier.size()));
+    }
+    v.totali = PreparaGrafico(v.righe);
+    v.eseguita = true;
+    return v;
+}
+
+TotaliDossier PreparaGrafico(const QList<RigaDossier> &righe)
+{
+    double acquisto = 0;
+    double attuale = 0;
+    for (const RigaDossier &r : righe) {
+        acquisto += valoreTesto(r.testoAcquisto);
+        attuale += valoreTesto(r.testoAttuale);
+    }
+    TotaliDossier t;
+    t.acquisto = formatPattern(acquisto, kFormatoValore);
+    t.attuale = formatPattern(attuale, kFormatoValore);
+    t.valoreAcquisto = valoreTesto(t.acquisto);
+    t.valoreAttuale = valoreTesto(t.attuale);
+    const double differenza = t.valoreAttuale - t.valoreAcquisto;
+    t.differenza = formatPattern(differenza, kFormatoValore);
+    if (t.valoreAcquisto != 0)
+        t.percentuale = formatPattern(differenza / t.valoreAcquisto, kFormatoPercentuale);
+    return t;
+}
+
+QString messaggioTitoloMancante(const QString &simbolo, double acquisto)
+{
+    const QStringList righe {
+        QStringLiteral("Attenzione! il titolo ") + simbolo
+            + QStringLiteral(" non è presente nell'archivio metastock! "),
+        QStringLiteral("Verificare se il titolo è stato rimosso dall'archivio oppure è stato dato un'altro simbolo,"),
+        QStringLiteral("in questo caso, rinominare quello in dossier."),
+        QString(),
+        QStringLiteral("Il totale di questo titolo € ") + testoNumeroSemplice(acquisto)
+            + QStringLiteral(" attualmente sarà calcolato come in fase di acquisto."),
+    };
+    return righe.join(u'\n') + u'\n';
+}
+
+QString testoNumeroSemplice(double valore)
+{
+    if (valore == 0)
+        return QStringLiteral("0");
+    QString testo = QString::number(valore, 'g', 15);
+    testo.replace(u'.', u',');
+    testo.replace(u'e', u'E');
+    return testo;
+}
+
+double valoreMostrato(double valore)
+{
+    return valoreTesto(formatPattern(valore, kFormatoValore));
+}
+
+ColoreSegno ColoreValore(QStringView testo)
+{
+    const int confronto = testo.compare(u"0");
+    if (confronto < 0)
+        return ColoreSegno::Rosso;
+    return confronto > 0 ? ColoreSegno::Blu : ColoreSegno::Nero;
+}
+
+} // namespace vm::dossier
