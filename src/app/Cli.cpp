@@ -2,6 +2,7 @@
 
 #include "app/AppInfo.h"
 #include "app/CliCheck.h"
+#include "app/DemoData.h"
 #include "dossier/DossierCli.h"
 #include "metastock/CliMetastock.h"
 #include "store/StoreCli.h"
@@ -18,6 +19,7 @@ const CommandInfo kCommands[] = {
     { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
     { "crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio },
     { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
+    { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
 };
 
