@@ -247,7 +247,7 @@ public:
     Scrittura(const QString &cartella, const QDate &oggi)
         : m_dir(cartella)
         , m_ultimo(ultimoGiornoDiBorsa(oggi))
-        , m_giorni(giorniDiBorsa(m_ultimo.addYears(-5), m_ultimo))
+        , m_giorni(giorniDiBorsa(ultimoGiornoDiBorsa(m_ultimo.addYears(-5).addDays(1)), m_ultimo))
         , m_caso(0x56414C4F44454D4FULL)
     { }
 
