@@ -7,6 +7,7 @@
 #include "store/Database.h"
 
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -91,6 +92,9 @@ private Q_SLOTS:
         OpzioniArchivio nonMarcata;
         nonMarcata.marcato = false;
         scrivi(QStringLiteral("U"), { titolo(QStringLiteral("UNM"), 12.0f) }, nonMarcata);
+        // A title listed in the directory whose price file has gone.
+        scrivi(QStringLiteral("P"), { titolo(QStringLiteral("PERSO"), 5.0f) });
+        QVERIFY(QFile::remove(m_base + QStringLiteral("P/F1.DAT")));
         OpzioniArchivio conXMaster;
         conXMaster.titoliInMaster = 1;
         scrivi(QStringLiteral("X"), { titolo(QStringLiteral("PRIMO"), 1.0f), titolo(QStringLiteral("EXTRA"), 9.0f) },
@@ -176,6 +180,10 @@ private Q_SLOTS:
             << "UB"
             << "DUP" << 1.0 << qint64(1) << found << 3.0f
             << QStringList { "1,00", "29/02/24", "3,00", "2,00", "200,00%" } << nessuno;
+        QTest::newRow("price file missing") << "P"
+                                            << "PERSO" << 2.0 << qint64(5) << found << 0.0f
+                                            << QStringList { "10,00", "29/02/24", "0,00", "-10,00", "-100,00%" }
+                                            << QStringList { "Valorimetrico", "ATTENZIONE" };
         QTest::newRow("MASTER title") << "X"
                                       << "PRIMO" << 1.0 << qint64(1) << found << 1.0f
                                       << QStringList { "1,00", "29/02/24", "1,00", "0,00", "0,00%" } << nessuno;

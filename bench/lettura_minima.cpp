@@ -1,0 +1,71 @@
+// The least a dossier report must do, as a yardstick for the dossier command: open the database, read
+// its folders and titles, read each directory file once and the last two price records of each title
+// found. No number is converted and nothing is formatted.
+#include "store/Database.h"
+
+#include <QCoreApplication>
+#include <QHash>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+QByteArray leggiFile(const QByteArray &percorso)
+{
+    QByteArray dati;
+    const int fd = ::open(percorso.constData(), O_RDONLY);
+    if (fd < 0)
+        return dati;
+    char buffer[65536];
+    ssize_t n;
+    while ((n = ::read(fd, buffer, sizeof buffer)) > 0)
+        dati.append(buffer, n);
+    ::close(fd);
+    return dati;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    const qsizetype i = args.indexOf(QStringLiteral("--cartella"));
+    if (i < 0 || i + 1 >= args.size())
+        return 2;
+    vm::store::Database db;
+    if (!db.open(args[i + 1] + QStringLiteral("/valorimetrico.mdb")).ok())
+        return 1;
+    const QStringList cartelle = db.folders();
+    const auto titoli = db.dossierRows();
+
+    QHash<QString, QByteArray> prezzi; // symbol -> price file of its first folder
+    for (const QString &c : cartelle) {
+        const QByteArray master = leggiFile(c.toLocal8Bit() + "MASTER");
+        const int n = master.isEmpty() ? 0 : quint8(master[0]);
+        for (int r = 1; r <= n && (r + 1) * 53 <= master.size(); ++r) {
+            const QByteArray rec = master.mid(r * 53, 53);
+            const QString simbolo = QString::fromLatin1(rec.mid(36, 14)).trimmed();
+            if (!prezzi.contains(simbolo))
+                prezzi.insert(simbolo, c.toLocal8Bit() + "F" + QByteArray::number(quint8(rec[0])) + ".DAT");
+        }
+    }
+    long long somma = 0;
+    for (const auto &t : titoli) {
+        const QByteArray file = prezzi.value(t.titolo.trimmed());
+        const int fd = file.isEmpty() ? -1 : ::open(file.constData(), O_RDONLY);
+        if (fd < 0)
+            continue;
+        const off_t fine = ::lseek(fd, 0, SEEK_END);
+        char ultimi[56];
+        if (fine >= 56 && ::pread(fd, ultimi, sizeof ultimi, fine - 56) == 56)
+            somma += ultimi[55];
+        ::close(fd);
+    }
+    std::printf("%lld\n", somma);
+    return 0;
+}
