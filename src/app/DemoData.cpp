@@ -432,9 +432,9 @@ void usage(QTextStream &s)
     s << "Uso: valorimetrico-cli demo CARTELLA\n\n"
          "Crea in CARTELLA (nuova o vuota) una cartella del programma completa per provarlo: due archivi\n"
          "MetaStock di titoli di fantasia con cinque anni di quotazioni giornaliere fino all'ultimo giorno\n"
-         "feriale, un terzo archivio non configurato con titoli a 5 e 6 campi, il database con il dossier,\n"
-         "le operazioni, lo storico e due gruppi, e il file delle impostazioni. Due cartelle create lo\n"
-         "stesso giorno contengono gli stessi dati.\n"
+         "feriale prima di oggi, un terzo archivio non configurato con titoli a 5 e 6 campi, il database\n"
+         "con il dossier, le operazioni, lo storico e due gruppi, e il file delle impostazioni. Due cartelle\n"
+         "create lo stesso giorno contengono gli stessi dati.\n"
          "Poi: valorimetrico --cartella CARTELLA\n";
 }
 
