@@ -194,6 +194,7 @@ private:
     bool appendOperation(const Operazione &operation, qint64 idDossier);
     bool ready(); // open, with the last error cleared
     bool checkIntegrity();
+    OpenOutcome lockAndCheck(const QString &password, int fileVersion);
 
     QSqlDatabase m_db;
     QString m_connection;
