@@ -173,6 +173,7 @@ void Database::close()
     QSqlDatabase::removeDatabase(m_connection);
     m_connection.clear();
     m_path.clear();
+    m_depth = 0;
 }
 
 bool Database::fail(int number, const QString &detail)
@@ -205,26 +206,57 @@ bool Database::exec(QSqlQuery &query, const QString &sql, const QVariantList &va
     return true;
 }
 
+// Transactions nest: the outermost is a real one, the inner ones savepoints, so that a caller may group several
+// changes (each a transaction of its own) into one.
 bool Database::begin()
 {
-    if (m_db.transaction())
-        return true;
-    m_error = engineError(m_db.lastError());
-    return false;
+    QSqlQuery query(m_db);
+    const bool ok = m_depth == 0 ? m_db.transaction() : query.exec(QStringLiteral("SAVEPOINT vm%1").arg(m_depth));
+    if (!ok) {
+        m_error = engineError(m_depth == 0 ? m_db.lastError() : query.lastError());
+        return false;
+    }
+    ++m_depth;
+    return true;
 }
 
 bool Database::commit()
 {
-    if (m_db.commit())
+    if (m_depth == 0)
+        return fail(ErrEngine, QStringLiteral("nessuna transazione aperta"));
+    QSqlQuery query(m_db);
+    const bool ok = m_depth == 1 ? m_db.commit() : query.exec(QStringLiteral("RELEASE vm%1").arg(m_depth - 1));
+    if (ok) {
+        --m_depth;
         return true;
-    m_error = engineError(m_db.lastError());
-    m_db.rollback();
+    }
+    m_error = engineError(m_depth == 1 ? m_db.lastError() : query.lastError());
+    rollback();
     return false;
 }
 
 void Database::rollback()
 {
-    m_db.rollback();
+    if (m_depth == 0)
+        return;
+    --m_depth;
+    if (m_depth == 0) {
+        m_db.rollback();
+    } else {
+        QSqlQuery query(m_db);
+        query.exec(QStringLiteral("ROLLBACK TO vm%1").arg(m_depth));
+        query.exec(QStringLiteral("RELEASE vm%1").arg(m_depth));
+    }
+}
+
+bool Database::transaction(const std::function<bool()> &work)
+{
+    if (!ready())
+        return false;
+    Transaction t(*this);
+    if (!t.active() || !work())
+        return false;
+    return t.commit();
 }
 
 bool Database::checkIntegrity()

@@ -114,6 +114,10 @@ public:
     // usable whenever the original file is; the error says what went wrong.
     StoreError compact();
 
+    // Runs work as one change: everything it writes stays only if it returns true and the commit succeeds. The
+    // functions below that change several tables may be called inside; a failure of one undoes the whole work.
+    bool transaction(const std::function<bool()> &work);
+
     // The failure of the last call (number ErrNone when it succeeded). Reads that fail return empty results.
     const StoreError &lastError() const { return m_error; }
 
@@ -201,6 +205,7 @@ private:
     QString m_path;
     QString m_password;
     StoreError m_error;
+    int m_depth = 0; // open transactions: the outermost real, the others savepoints
 };
 
 } // namespace vm::store

@@ -16,7 +16,7 @@ public:
     enum Start { Begin, AlreadyBegun };
     explicit Transaction(Database &db, Start start = Begin)
         : m_db(db)
-        , m_active(start == AlreadyBegun || db.begin())
+        , m_active(start == AlreadyBegun ? (++db.m_depth, true) : db.begin())
     { }
     ~Transaction()
     {

@@ -109,10 +109,7 @@ QList<DossierRow> Database::dossierRows()
 std::optional<DossierRow> Database::findTitleBySymbol(const QString &titolo)
 {
     QSqlQuery q(m_db);
-    if (!ready()
-        || !exec(q,
-            QStringLiteral("SELECT %1 FROM dossier INDEXED BY \"PrimaryKey\" WHERE Titolo = ?").arg(kDossierColumns),
-            { titolo })
+    if (!ready() || !exec(q, QStringLiteral("SELECT %1 FROM dossier WHERE Titolo = ?").arg(kDossierColumns), { titolo })
         || !q.next())
         return std::nullopt;
     return readDossier(q);
@@ -297,8 +294,7 @@ std::optional<StoricoRow> Database::findStoricoByAttuale(double attuale)
     QSqlQuery q(m_db);
     if (!ready()
         || !exec(q,
-            QStringLiteral("SELECT %1 FROM Storico INDEXED BY quota WHERE attuale BETWEEN ? AND ? ORDER BY id")
-                .arg(kStoricoColumns),
+            QStringLiteral("SELECT %1 FROM Storico WHERE attuale BETWEEN ? AND ? ORDER BY id").arg(kStoricoColumns),
             { (target - 1) / 100.0, (target + 1) / 100.0 }))
         return std::nullopt;
     while (q.next()) {

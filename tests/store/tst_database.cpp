@@ -295,6 +295,8 @@ void TestDatabase::compactionTwiceKeepsTheDataAndRemovesLeftovers()
     QCOMPARE(other.open(path()).outcome, OpenOutcome::Locked);
     db.close();
     QVERIFY(other.open(path()).ok());
+    other.close();
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList { "valorimetrico.mdb" });
 }
 
 void TestDatabase::compactionFailureLeavesTheDatabaseUsable()

@@ -44,6 +44,7 @@ private Q_SLOTS:
     void titleRoundTrip();
     void symbolIsUniqueWhateverTheCase();
     void titlesAndTheirOperations();
+    void groupedChangesStandOrFallTogether();
     void operationsOfKind_data();
     void operationsOfKind();
     void deleteOperation_data();
@@ -149,6 +150,27 @@ void TestStatements::titlesAndTheirOperations()
     QCOMPARE(m_db.operationsOfTitle(gone).size(), 2);
     QVERIFY(m_db.insertTitle(title("NEW")).value() > gone);
     QCOMPARE(m_db.countTitles(), 1);
+}
+
+void TestStatements::groupedChangesStandOrFallTogether()
+{
+    const Operazione aq = op("AQ", QDate(2024, 1, 1), 1);
+    QVERIFY(m_db.transaction([&] { return m_db.recordPurchase(title("A"), aq) && m_db.insertStorico({}); }));
+    // The second purchase fails on the symbol already held; the first, inside the same change, goes too.
+    QVERIFY(!m_db.transaction(
+        [&] { return m_db.recordPurchase(title("B"), aq).has_value() && m_db.recordPurchase(title("a"), aq); }));
+    QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
+    QVERIFY(!m_db.transaction([&] { return m_db.insertTitle(title("C")) && false; }));
+    QStringList symbols;
+    for (const DossierRow &row : m_db.dossierRows())
+        symbols << row.titolo;
+    QCOMPARE(symbols, QStringList { "A" });
+    QCOMPARE(m_db.storicoRows().size(), 1);
+    // Nothing was left open: what follows is written for good.
+    QVERIFY(m_db.insertTitle(title("D")));
+    m_db.close();
+    QVERIFY(m_db.open(m_path).ok());
+    QCOMPARE(m_db.countTitles(), 2);
 }
 
 void TestStatements::operationsOfKind_data()
