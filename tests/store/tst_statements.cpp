@@ -138,6 +138,7 @@ void TestStatements::titlesAndTheirOperations()
     // An operation for a title that is not there is refused.
     row.idTitolo = 999;
     QVERIFY(!m_db.recordOperation(row, op("VE", QDate(2024, 3, 2), 1)));
+    QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
     QVERIFY(m_db.operationsOfTitle(999).isEmpty());
 
     // Selling everything removes the title; its operations stay, the sale included.
@@ -375,6 +376,8 @@ void TestStatements::renameCarriesSymbolAndName()
     QVERIFY(!m_db.renameTitle(id, "altro", "Nuovo", "OLD"));
     QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
     QCOMPARE(m_db.findTitleById(id)->descrizione, QStringLiteral("Vecchio"));
+    QVERIFY(!m_db.renameTitle(id + 100, "NEW'S", "L'erede", "OLD"));
+    QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
 
     QVERIFY(m_db.renameTitle(id, "NEW'S", "L'erede", "OLD"));
     const DossierRow row = *m_db.findTitleById(id);
