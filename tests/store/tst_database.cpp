@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -65,6 +66,7 @@ private Q_SLOTS:
     void createRefusesAnExistingFile();
     void openRefusesBadFilesWithoutTouchingThem_data();
     void openRefusesBadFilesWithoutTouchingThem();
+    void randomDamageNeverCrashesNorWrites();
     void secondCopyIsRefusedWhileTheFirstHoldsTheFile();
     void olderVersionIsMigratedInOneStep();
     void multiTableChangeRollsBackWhenItsSecondWriteFails_data();
@@ -153,6 +155,34 @@ void TestDatabase::openRefusesBadFilesWithoutTouchingThem()
     QCOMPARE(QFileInfo::exists(file), number != ErrFileNotFound);
     // Nothing the engine might leave behind (journal, scratch files).
     QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), number == ErrFileNotFound ? 0 : 1);
+}
+
+void TestDatabase::randomDamageNeverCrashesNorWrites()
+{
+    makeFilled(path("integro.mdb"));
+    const QByteArray pristine = readAll(path("integro.mdb"));
+    QRandomGenerator random(20261123);
+    for (int round = 0; round < 40; ++round) {
+        QByteArray bytes = pristine;
+        // The header stays, so that the engine itself meets the damage.
+        const qsizetype at = 100 + random.bounded(bytes.size() - 100);
+        const qsizetype length = std::min<qsizetype>(1 + random.bounded(600), bytes.size() - at);
+        for (qsizetype i = 0; i < length; ++i)
+            bytes[at + i] = char(random.bounded(256));
+        writeAll(path(), bytes);
+
+        Database db;
+        const OpenResult result = db.open(path());
+        QVERIFY2(result.ok() || result.error.number == ErrDamaged || result.error.number == ErrAccessDenied,
+            qPrintable(QStringLiteral("giro %1: %2").arg(round).arg(result.error.detail)));
+        // Reading whatever survived must not crash either.
+        for (const DossierRow &row : db.dossierRows())
+            db.operationsOfTitle(row.idTitolo);
+        db.groupSizes();
+        db.folders();
+        db.close();
+        QVERIFY2(readAll(path()) == bytes, qPrintable(QStringLiteral("giro %1").arg(round)));
+    }
 }
 
 void TestDatabase::secondCopyIsRefusedWhileTheFirstHoldsTheFile()
