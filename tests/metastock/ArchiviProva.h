@@ -1,28 +1,24 @@
 #pragma once
 
 #include "metastock/ArchiveWriter.h"
+#include "metastock/CliMetastock.h"
+#include "metastock/Master.h"
 
 #include <QDate>
-#include <QDir>
 #include <QFile>
 
-// Quotes and titles for archives that the tests write themselves.
+// Archives that the tests write themselves, and one-line descriptions to compare against.
 namespace prova {
 
 using namespace vm::metastock;
 
-// `quante` daily quotes from `inizio`, prices rising by a quarter a day from `base`.
+// `quante` daily quotes from `inizio`, closes rising by a quarter a day from `base`.
 inline QList<QuotaMS> quote(int quante, QDate inizio = QDate(1999, 12, 30), float base = 10.0f, int campi = 7)
 {
     QList<QuotaMS> q;
     for (int i = 0; i < quante; ++i) {
-        QuotaMS r;
-        r.data = inizio.addDays(i);
         const float c = base + 0.25f * float(i);
-        r.massimo = c + 0.5f;
-        r.minimo = c - 0.5f;
-        r.chiusura = c;
-        r.volume = 1000.0f * float(i + 1);
+        QuotaMS r { inizio.addDays(i), 0, std::nullopt, c + 0.5f, c - 0.5f, c, 1000.0f * float(i + 1), std::nullopt };
         if (campi >= 6)
             r.apertura = c - 0.125f;
         if (campi == 7)
@@ -34,18 +30,30 @@ inline QList<QuotaMS> quote(int quante, QDate inizio = QDate(1999, 12, 30), floa
 
 inline TitoloArchivio titolo(const QString &simbolo, const QString &nome, int campi = 7, int quante = 3)
 {
-    TitoloArchivio t;
-    t.simbolo = simbolo;
-    t.nome = nome;
-    t.campi = campi;
-    t.quote = quote(quante, QDate(1999, 12, 30), 10.0f, campi);
-    return t;
+    return { simbolo, nome, campi, quote(quante, QDate(1999, 12, 30), 10.0f, campi), {}, {}, {} };
 }
 
 inline QByteArray leggi(const QString &percorso)
 {
     QFile f(percorso);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// "file|symbol|name|fields|first|last|marked"
+inline QString descrivi(const RecordMaster &t)
+{
+    return QStringList { t.nomeFile, t.simbolo, t.nome, QString::number(t.campi), t.primaData.toString(Qt::ISODate),
+        t.ultimaData.toString(Qt::ISODate), t.marcato() ? "Z" : "-" }
+        .join(u'|');
+}
+
+// "date open high low close volume official", absent fields as "-"
+inline QString descrivi(const QuotaMS &q)
+{
+    const auto f = [](std::optional<float> v) { return v ? testoFloatCsv(*v) : QStringLiteral("-"); };
+    return QStringList { q.data.toString(Qt::ISODate), f(q.apertura), f(q.massimo), f(q.minimo), f(q.chiusura),
+        f(q.volume), f(q.ufficiale) }
+        .join(u' ');
 }
 
 } // namespace prova

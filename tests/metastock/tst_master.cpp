@@ -1,12 +1,11 @@
 #include "ArchiviProva.h"
-#include "metastock/Master.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace vm::metastock;
-
-Q_DECLARE_METATYPE(EsitoRicerca::Stato)
+Q_DECLARE_METATYPE(EsitoEliminazione::Stato)
 
 class TstMaster : public QObject
 {
@@ -23,23 +22,21 @@ private Q_SLOTS:
     void cercaPerLettera();
     void eliminaTitolo_data();
     void eliminaTitolo();
-    void eliminaDaXMaster();
     void archiviReali_data();
     void archiviReali();
 
 private:
-    QString nuovaCartella(const QList<TitoloArchivio> &titoli, const OpzioniArchivio &opzioni = {});
+    QString cartella(const QList<TitoloArchivio> &titoli, const OpzioniArchivio &opzioni = {});
     QTemporaryDir m_radice;
     int m_cartelle = 0;
 };
 
-QString TstMaster::nuovaCartella(const QList<TitoloArchivio> &titoli, const OpzioniArchivio &opzioni)
+QString TstMaster::cartella(const QList<TitoloArchivio> &titoli, const OpzioniArchivio &opzioni)
 {
     const QString percorso = m_radice.filePath(QString::number(++m_cartelle));
     QDir().mkpath(percorso);
-    QString errore;
-    if (!scriviArchivio(percorso, titoli, opzioni, &errore))
-        qFatal("%s", qPrintable(errore));
+    if (!titoli.isEmpty() && !scriviArchivio(percorso, titoli, opzioni))
+        qFatal("cannot write %s", qPrintable(percorso));
     return percorso;
 }
 
@@ -49,27 +46,22 @@ void TstMaster::cartellaScritta_data()
     QTest::addColumn<bool>("marcato");
     QTest::addColumn<bool>("minuscoli");
     QTest::addColumn<char>("riempimento");
-    QTest::addColumn<QString>("simboloScritto");
     QTest::addColumn<QString>("simbolo");
     QTest::addColumn<QString>("nome");
     QTest::addColumn<int>("numeroFile");
-    QTest::addColumn<QString>("nomeFile");
-
-    QTest::newRow("7 fields, marked") << 7 << true << false << ' ' << "ENEL"
-                                      << "ENEL"
-                                      << "ENEL" << 1 << "F1.DAT";
-    QTest::newRow("6 fields, unmarked, lower case") << 6 << false << true << ' ' << "A2A"
-                                                    << "A2A"
-                                                    << "A2A" << 7 << "f7.dat";
-    QTest::newRow("5 fields, NUL padding") << 5 << false << false << '\0' << "TU2__1990U"
-                                           << "TU2__1990U"
-                                           << "2-Year Note C 19" << 131 << "F131.DAT";
-    QTest::newRow("padded symbol, Windows-1252 name") << 7 << true << false << ' ' << "  CIT "
-                                                      << "CIT"
-                                                      << "CITTÀ" << 255 << "F255.DAT";
-    QTest::newRow("file number 0, empty symbol") << 7 << false << false << '\0' << ""
-                                                 << ""
-                                                 << "APX" << 0 << "F0.DAT";
+    QTest::addColumn<QString>("atteso");
+    const char *date = "|1999-12-30|2000-01-02|";
+    QTest::newRow("7, marked") << 7 << true << false << ' ' << "ENEL"
+                               << "ENEL" << 1 << QString("F1.DAT|ENEL|ENEL|7") + date + "Z";
+    QTest::newRow("6, lower case") << 6 << false << true << ' ' << "A2A"
+                                   << "A2A" << 7 << QString("f7.dat|A2A|A2A|6") + date + "-";
+    QTest::newRow("5, NUL padding") << 5 << false << false << '\0' << "TU2"
+                                    << "2-Year Note C 19" << 131
+                                    << QString("F131.DAT|TU2|2-Year Note C 19|5") + date + "-";
+    QTest::newRow("padded symbol, CITTÀ") << 7 << true << false << ' ' << "  CIT "
+                                          << "CITTÀ" << 255 << QString("F255.DAT|CIT|CITTÀ|7") + date + "Z";
+    QTest::newRow("file 0, no symbol") << 7 << false << false << '\0' << ""
+                                       << "APX" << 0 << QString("F0.DAT||APX|7") + date + "-";
 }
 
 void TstMaster::cartellaScritta()
@@ -78,40 +70,25 @@ void TstMaster::cartellaScritta()
     QFETCH(bool, marcato);
     QFETCH(bool, minuscoli);
     QFETCH(char, riempimento);
-    QFETCH(QString, simboloScritto);
     QFETCH(QString, simbolo);
     QFETCH(QString, nome);
     QFETCH(int, numeroFile);
-    QFETCH(QString, nomeFile);
-
-    TitoloArchivio primo = prova::titolo(QStringLiteral("PRIMO"), QStringLiteral("Primo"));
-    primo.quote = prova::quote(2, QDate(1990, 6, 22));
-    TitoloArchivio t = prova::titolo(simboloScritto, nome, campi, 4); // 30/12/1999 to 02/01/2000
-    t.numeroFile = numeroFile;
+    QFETCH(QString, atteso);
+    TitoloArchivio primo = prova::titolo("PRIMO", "Primo");
     primo.numeroFile = numeroFile == 1 ? 2 : 1;
-    const QString percorso = nuovaCartella({ primo, t }, { marcato, minuscoli, riempimento });
+    TitoloArchivio t = prova::titolo(simbolo, nome, campi, 4);
+    t.numeroFile = numeroFile;
 
-    const CartellaMS c = CartellaMS::leggi(percorso);
+    const CartellaMS c = CartellaMS::leggi(cartella({ primo, t }, { marcato, minuscoli, riempimento }));
     QCOMPARE(c.stato, CartellaMS::Stato::Letta);
     QCOMPARE(QFileInfo(c.percorsoMaster).fileName(), QString(minuscoli ? "master" : "MASTER"));
     QCOMPARE(c.conteggioMaster, 2);
-    QCOMPARE(c.marchio.size(), 5);
     QCOMPARE(c.marchio == kMarchioQuotaflusso, marcato);
     QCOMPARE(c.titoli.size(), 2);
-    QCOMPARE(c.titoli[0].primaData, QDate(1990, 6, 22));
-    const RecordMaster &r = c.titoli[1];
-    QCOMPARE(r.grezzo.size(), kLunghezzaRecordMaster);
-    QCOMPARE(r.posizione, 3);
-    QCOMPARE(r.simbolo, simbolo);
-    QCOMPARE(r.nome, nome);
-    QCOMPARE(r.campi, campi);
-    QCOMPARE(r.numeroFile, numeroFile);
-    QCOMPARE(r.nomeFile, nomeFile);
-    QCOMPARE(r.primaData, QDate(1999, 12, 30));
-    QCOMPARE(r.ultimaData, QDate(2000, 1, 2));
-    QCOMPARE(r.marcato(), marcato);
-    QCOMPARE(c.trovaSimbolo(QString(u' ' + simbolo + u' ')), &r);
-    QVERIFY(QFile::exists(c.percorsoPrezzi(r)));
+    QCOMPARE(prova::descrivi(c.titoli[1]), atteso);
+    QCOMPARE(c.titoli[1].posizione, 3);
+    QCOMPARE(c.trovaSimbolo(QString(u' ' + simbolo.trimmed() + u' ')), &c.titoli[1]);
+    QVERIFY(QFile::exists(c.percorsoPrezzi(c.titoli[1])));
 }
 
 void TstMaster::oltre255Titoli()
@@ -119,20 +96,17 @@ void TstMaster::oltre255Titoli()
     QList<TitoloArchivio> titoli;
     for (int i = 0; i < 300; ++i)
         titoli.append(prova::titolo(QStringLiteral("T%1").arg(i), QStringLiteral("Titolo %1").arg(i), 5 + i % 3, 1));
-    const CartellaMS c = CartellaMS::leggi(nuovaCartella(titoli, { true, true, ' ', 255 }));
+    const CartellaMS c = CartellaMS::leggi(cartella(titoli, { true, true, ' ', 255 }));
     QCOMPARE(c.conteggioMaster, 255);
     QCOMPARE(c.conteggioXMaster, 45);
     QCOMPARE(c.titoli.size(), 300);
     for (int i = 0; i < 300; ++i) {
-        const RecordMaster &r = c.titoli[i];
-        QCOMPARE(r.simbolo, titoli[i].simbolo);
-        QCOMPARE(r.campi, titoli[i].campi);
-        QCOMPARE(r.elenco, i < 255 ? Elenco::Master : Elenco::XMaster);
-        QVERIFY2(r.marcato(), "an XMASTER title carries its folder's mark");
-        QVERIFY(QFile::exists(c.percorsoPrezzi(r)));
+        QCOMPARE(c.titoli[i].simbolo, titoli[i].simbolo);
+        QCOMPARE(c.titoli[i].campi, titoli[i].campi);
+        QVERIFY(c.titoli[i].marcato()); // XMASTER titles carry their folder's mark
+        QVERIFY(QFile::exists(c.percorsoPrezzi(c.titoli[i])));
     }
-    QCOMPARE(c.titoli[255].nomeFile, "f256.mwd");
-    QCOMPARE(c.titoli[255].primaData, QDate(1999, 12, 30));
+    QCOMPARE(prova::descrivi(c.titoli[255]), "f256.mwd|T255|Titolo 255|5|1999-12-30|1999-12-30|Z");
 }
 
 void TstMaster::danni_data()
@@ -140,26 +114,21 @@ void TstMaster::danni_data()
     QTest::addColumn<QByteArray>("master");
     QTest::addColumn<QByteArray>("xmaster"); // not written when empty
     QTest::addColumn<int>("titoli");
-
-    QList<QByteArray> record;
+    QList<QByteArray> r;
     for (int i = 0; i < 300; ++i)
-        record.append(recordMasterArchivio(prova::titolo(QStringLiteral("S%1").arg(i), QStringLiteral("N")), i, {}));
-    const QByteArray tre = datiMasterArchivio(record.mid(0, 3), 3);
-    QByteArray conteggioGrande = tre;
-    conteggioGrande[0] = char(200);
+        r.append(recordMasterArchivio(prova::titolo(QStringLiteral("S%1").arg(i), "N"), i, {}));
+    const QByteArray tre = datiMasterArchivio(r.mid(0, 3), 3);
     const QByteArray x = datiXMasterArchivio({ recordXMasterArchivio(prova::titolo("X", "X"), 256) }, 257);
 
     QTest::newRow("empty MASTER") << QByteArray() << QByteArray() << 0;
     QTest::newRow("MASTER shorter than a record") << tre.left(52) << QByteArray() << 0;
-    QTest::newRow("header count 0") << datiMasterArchivio({}, 0) << QByteArray() << 0;
-    QTest::newRow("count 0 with records after it")
-        << tre.left(0).append(QByteArray(53, '\0')).append(record[0]) << QByteArray() << 0;
-    QTest::newRow("count larger than the file") << conteggioGrande << QByteArray() << 3;
-    QTest::newRow("last record cut short") << tre.left(tre.size() - 1) << QByteArray() << 2;
-    QTest::newRow("16-bit count") << datiMasterArchivio(record, 300) << QByteArray() << 300;
+    QTest::newRow("count 0, records after it") << datiMasterArchivio({}, 0) + r[0] << QByteArray() << 0;
+    QTest::newRow("count beyond the file") << QByteArray(tre).replace(0, 1, "\xC8") << QByteArray() << 3;
+    QTest::newRow("last record cut short") << tre.chopped(1) << QByteArray() << 2;
+    QTest::newRow("16-bit count") << datiMasterArchivio(r, 300) << QByteArray() << 300;
     QTest::newRow("broken XMASTER") << tre << QByteArray("broken file\n") << 3;
     QTest::newRow("XMASTER count too large") << tre << QByteArray(x).replace(10, 1, "\x09") << 4;
-    QTest::newRow("XMASTER record cut short") << tre << x.left(x.size() - 1) << 3;
+    QTest::newRow("XMASTER record cut short") << tre << x.chopped(1) << 3;
 }
 
 void TstMaster::danni()
@@ -167,11 +136,9 @@ void TstMaster::danni()
     QFETCH(QByteArray, master);
     QFETCH(QByteArray, xmaster);
     QFETCH(int, titoli);
-    const QString percorso = m_radice.filePath(QStringLiteral("danno%1").arg(++m_cartelle));
-    QDir().mkpath(percorso);
+    const QString percorso = cartella({});
     QVERIFY(scriviFile(percorso + "/MASTER", master));
-    if (!xmaster.isEmpty())
-        QVERIFY(scriviFile(percorso + "/XMASTER", xmaster));
+    QVERIFY(xmaster.isEmpty() || scriviFile(percorso + "/xmaster", xmaster));
     const CartellaMS c = CartellaMS::leggi(percorso);
     QCOMPARE(c.stato, CartellaMS::Stato::Letta);
     QCOMPARE(c.titoli.size(), titoli);
@@ -179,64 +146,64 @@ void TstMaster::danni()
 
 void TstMaster::trovaTicker_data()
 {
-    QTest::addColumn<QStringList>("cartelle"); // "-" names a folder that does not exist
+    QTest::addColumn<QString>("cartelle"); // "-" is a folder that does not exist
     QTest::addColumn<QString>("simbolo");
-    QTest::addColumn<EsitoRicerca::Stato>("stato");
-    QTest::addColumn<int>("cartella"); // index of the folder found, or of the missing one
-    QTest::addColumn<QString>("nomeFile");
-
-    using S = EsitoRicerca::Stato;
-    QTest::newRow("first folder holding it wins") << QStringList { "a", "b" } << "DUP" << S::Trovato << 0 << "F2.DAT";
-    QTest::newRow("later folder") << QStringList { "a", "b" } << "SOLOB" << S::Trovato << 1 << "F1.DAT";
-    QTest::newRow("padded on both sides") << QStringList { "a", "b" } << " PAD " << S::Trovato << 0 << "F3.DAT";
-    QTest::newRow("case counts") << QStringList { "a", "b" } << "dup" << S::NonTrovato << -1 << "";
-    QTest::newRow("missing folder before the match")
-        << QStringList { "a", "-", "b" } << "SOLOB" << S::CartellaMancante << 1 << "";
-    QTest::newRow("missing folder after the match") << QStringList { "a", "-" } << "DUP" << S::Trovato << 0 << "F2.DAT";
-    QTest::newRow("no folders") << QStringList {} << "DUP" << S::NessunaCartella << -1 << "";
+    QTest::addColumn<QString>("atteso"); // "folder:file", or the message
+    QTest::newRow("first folder holding it wins") << "ab"
+                                                  << "DUP"
+                                                  << "a:F2.DAT";
+    QTest::newRow("later folder") << "ab"
+                                  << "SOLOB"
+                                  << "b:F1.DAT";
+    QTest::newRow("padded on both sides") << "ab"
+                                          << " PAD "
+                                          << "a:F3.DAT";
+    QTest::newRow("case counts") << "ab"
+                                 << "dup"
+                                 << "";
+    QTest::newRow("missing folder before the match") << "a-b"
+                                                     << "SOLOB"
+                                                     << "Errore su lettura -";
+    QTest::newRow("missing folder after the match") << "a-"
+                                                    << "DUP"
+                                                    << "a:F2.DAT";
+    QTest::newRow("no folders") << ""
+                                << "DUP"
+                                << "Nessun titolo in archivio.";
 }
 
 void TstMaster::trovaTicker()
 {
-    QFETCH(QStringList, cartelle);
+    QFETCH(QString, cartelle);
     QFETCH(QString, simbolo);
-    QFETCH(EsitoRicerca::Stato, stato);
-    QFETCH(int, cartella);
-    QFETCH(QString, nomeFile);
-    using S = EsitoRicerca::Stato;
-
-    static const QString a = nuovaCartella(
-        { prova::titolo("ALFA", "Alfa"), prova::titolo("DUP", "Doppio A"), prova::titolo("PAD    ", "Pad") });
-    static const QString b = nuovaCartella({ prova::titolo("SOLOB", "Solo B"), prova::titolo("DUP", "Doppio B") });
+    QFETCH(QString, atteso);
+    static const QString a
+        = cartella({ prova::titolo("ALFA", "A"), prova::titolo("DUP", "A"), prova::titolo("PAD  ", "") });
+    static const QString b = cartella({ prova::titolo("SOLOB", "B"), prova::titolo("DUP", "B") });
     QStringList percorsi;
-    for (const QString &c : cartelle)
-        percorsi.append(c == "a" ? a : c == "b" ? b : m_radice.filePath("manca"));
+    for (const QChar c : cartelle)
+        percorsi.append(c == u'a' ? a : c == u'b' ? b : m_radice.filePath("-"));
 
-    ArchivioMS archivio(percorsi);
-    const EsitoRicerca esito = archivio.TrovaTicker(simbolo);
-    QCOMPARE(esito.stato, stato);
-    if (stato == S::Trovato) {
-        QCOMPARE(esito.titolo.cartella, percorsi[cartella]);
-        QCOMPARE(esito.titolo.record.nomeFile, nomeFile);
-        QCOMPARE(esito.titolo.percorsoPrezzi, QDir(percorsi[cartella]).filePath(nomeFile));
+    const EsitoRicerca esito = ArchivioMS(percorsi).TrovaTicker(simbolo);
+    QCOMPARE(esito.trovato(), atteso.contains(u':'));
+    QString ottenuto = esito.messaggio().replace(m_radice.filePath("-"), "-");
+    if (esito.trovato()) {
+        QCOMPARE(esito.titolo.percorsoPrezzi, QDir(esito.titolo.cartella).filePath(esito.titolo.record.nomeFile));
+        ottenuto = (esito.titolo.cartella == a ? "a:" : "b:") + esito.titolo.record.nomeFile;
     }
-    if (stato == S::CartellaMancante)
-        QCOMPARE(esito.messaggio(), "Errore su lettura " + percorsi[cartella]);
-    if (stato == S::NessunaCartella)
-        QCOMPARE(esito.messaggio(), "Nessun titolo in archivio.");
+    QCOMPARE(ottenuto, atteso);
 }
 
 void TstMaster::cercaPerLettera()
 {
-    const QString a = nuovaCartella({ prova::titolo("A1", "acea"), prova::titolo("B1", "Banca"),
+    const QString a = cartella({ prova::titolo("A1", "acea"), prova::titolo("B1", "Banca"),
         prova::titolo("A2", "  Alfa", 5), prova::titolo("E", "") });
-    const QString b = nuovaCartella({ prova::titolo("A3", "Anima") });
+    const QString b = cartella({ prova::titolo("A3", "Anima") });
     const QString manca = m_radice.filePath("manca");
-    ArchivioMS archivio({ a, manca, b });
     QStringList mancanti;
     QList<int> passi;
     const auto trovati
-        = archivio.CercaMS(u'a', &mancanti, [&](int record, int totale) { passi.append(record * 100 + totale); });
+        = ArchivioMS({ a, manca, b }).CercaMS(u'a', &mancanti, [&](int r, int n) { passi << r * 100 + n; });
     QStringList simboli;
     for (const auto &t : trovati)
         simboli.append(t.record.simbolo);
@@ -247,16 +214,21 @@ void TstMaster::cercaPerLettera()
 
 void TstMaster::eliminaTitolo_data()
 {
-    QTest::addColumn<QStringList>("simboli");
+    QTest::addColumn<QStringList>("simboli"); // "x:" puts the title in XMASTER
     QTest::addColumn<QString>("daRimuovere");
-    QTest::addColumn<QStringList>("restano");
-    QTest::newRow("the only title") << QStringList { "SOLO" } << "SOLO" << QStringList {};
-    QTest::newRow("middle one, order kept") << QStringList { "A", "B", "C" } << "B" << QStringList { "A", "C" };
-    QTest::newRow("asked in lower case") << QStringList { "A", "B" } << " a " << QStringList { "B" };
-    QTest::newRow("first of two equal") << QStringList { "A", "B", "A" } << "A" << QStringList { "B", "A" };
+    QTest::addColumn<QStringList>("restano"); // empty: nothing changes
+    QTest::addColumn<EsitoEliminazione::Stato>("stato");
+    using S = EsitoEliminazione::Stato;
+    QTest::newRow("the only title") << QStringList { "SOLO" } << "SOLO" << QStringList {} << S::Rimosso;
+    QTest::newRow("middle, order kept") << QStringList { "A", "B", "C" } << "B" << QStringList { "A", "C" }
+                                        << S::Rimosso;
+    QTest::newRow("asked in lower case") << QStringList { "A", "B" } << " a " << QStringList { "B" } << S::Rimosso;
+    QTest::newRow("first of two equal") << QStringList { "A", "B", "A" } << "A" << QStringList { "B", "A" }
+                                        << S::Rimosso;
     QTest::newRow("records being deleted go too")
-        << QStringList { "A", QString(kSimboloInCancellazione), "B" } << "B" << QStringList { "A" };
-    QTest::newRow("not there") << QStringList { "A" } << "Z" << QStringList { "A" };
+        << QStringList { "A", QString(kSimboloInCancellazione), "B" } << "B" << QStringList { "A" } << S::Rimosso;
+    QTest::newRow("not there") << QStringList { "A" } << "Z" << QStringList {} << S::NonTrovato;
+    QTest::newRow("only in XMASTER") << QStringList { "A", "x:X" } << "X" << QStringList {} << S::SoloInXMaster;
 }
 
 void TstMaster::eliminaTitolo()
@@ -264,112 +236,89 @@ void TstMaster::eliminaTitolo()
     QFETCH(QStringList, simboli);
     QFETCH(QString, daRimuovere);
     QFETCH(QStringList, restano);
+    QFETCH(EsitoEliminazione::Stato, stato);
     QList<TitoloArchivio> titoli;
     for (const QString &s : simboli)
-        titoli.append(prova::titolo(s, "Nome " + s));
-    const QString percorso = nuovaCartella(titoli, { true, true, ' ', 255 });
+        titoli.append(prova::titolo(s.split(u':').last(), "Nome"));
+    const QString percorso = cartella(titoli, { true, true, ' ', int(simboli.filter("x:").isEmpty() ? 255 : 1) });
     const QByteArray prima = prova::leggi(percorso + "/master");
 
     ArchivioMS archivio({ m_radice.filePath("manca"), percorso });
     const EsitoEliminazione esito = archivio.EliminaTitolo(daRimuovere);
-    const bool rimosso = restano.size() < simboli.size();
-    QCOMPARE(esito.stato, rimosso ? EsitoEliminazione::Stato::Rimosso : EsitoEliminazione::Stato::NonTrovato);
-    if (!rimosso) {
-        QCOMPARE(esito.messaggio(daRimuovere), "Il titolo " + daRimuovere + " non trovato in archivio.");
-        QCOMPARE(prova::leggi(percorso + "/master"), prima);
-        return;
-    }
-    QCOMPARE(esito.titolo.cartella, percorso);
+    QCOMPARE(esito.stato, stato);
     QVERIFY(!QFile::exists(percorso + "/MSMASTER"));
     QVERIFY(!QFile::exists(percorso + "/MASTER"));
-    QVERIFY(QFile::exists(esito.titolo.percorsoPrezzi));
-
     const QByteArray dopo = prova::leggi(percorso + "/master");
+    if (stato != EsitoEliminazione::Stato::Rimosso) {
+        QCOMPARE(dopo, prima);
+        return;
+    }
+    QVERIFY(QFile::exists(esito.titolo.percorsoPrezzi));
     QCOMPARE(dopo.size(), kLunghezzaRecordMaster * (restano.size() + 1));
     QCOMPARE(dopo.mid(2, 51), QByteArray(51, ' '));
     QStringList letti;
     for (const RecordMaster &t : archivio.cartella(1).titoli) {
         letti.append(t.simbolo);
-        QVERIFY(prima.contains(t.grezzo)); // records are copied byte for byte
+        QVERIFY(prima.contains(t.grezzo)); // copied byte for byte
     }
     QCOMPARE(letti, restano);
     QCOMPARE(archivio.cartella(1).conteggioMaster, restano.size());
-}
-
-void TstMaster::eliminaDaXMaster()
-{
-    const QString percorso
-        = nuovaCartella({ prova::titolo("M", "M"), prova::titolo("X", "X") }, { true, false, ' ', 1 });
-    const QByteArray prima = prova::leggi(percorso + "/MASTER");
-    ArchivioMS archivio({ percorso });
-    QCOMPARE(archivio.EliminaTitolo(u"X").stato, EsitoEliminazione::Stato::SoloInXMaster);
-    QCOMPARE(prova::leggi(percorso + "/MASTER"), prima);
 }
 
 void TstMaster::archiviReali_data()
 {
     QTest::addColumn<QString>("cartella");
     QTest::addColumn<int>("titoli");
-    QTest::addColumn<int>("indice");
-    QTest::addColumn<QString>("nomeFile");
     QTest::addColumn<QString>("simbolo");
-    QTest::addColumn<QString>("nome");
-    QTest::addColumn<int>("campi");
-    QTest::addColumn<QDate>("primo");
-    QTest::addColumn<QDate>("ultimo");
-
-    QTest::newRow("ASR") << "italia-2010" << 462 << 0 << "F1.DAT"
-                         << "ASR"
-                         << "A.S. ROMA" << 7 << QDate(2010, 1, 4) << QDate(2010, 7, 9);
-    QTest::newRow("ENEL") << "italia-2010" << 462 << 127 << "F128.DAT"
-                          << "ENEL"
-                          << "ENEL." << 7 << QDate(2010, 1, 4) << QDate(2010, 7, 9);
-    QTest::newRow("RAT") << "italia-2010" << 462 << 254 << "F255.DAT"
-                         << "RAT"
-                         << "RATTI" << 7 << QDate(2010, 1, 4) << QDate(2010, 7, 9);
-    QTest::newRow("RCF") << "italia-2010" << 462 << 255 << "F256.MWD"
-                         << "RCF"
-                         << "RCF GROUP" << 7 << QDate(2010, 1, 5) << QDate(2010, 7, 9);
-    QTest::newRow("AEMI") << "italia-bbfinance" << 40 << -1 << "F20.DAT"
-                          << "AEMI"
-                          << "A2A" << 7 << QDate(1998, 7, 22) << QDate(2014, 6, 27);
-    QTest::newRow("APX") << "sei-campi" << 25 << 0 << "F1.DAT"
-                         << ""
-                         << "APX" << 6 << QDate(1985, 1, 1) << QDate(2021, 10, 29);
-    QTest::newRow("TU2") << "futures-2y-note" << 131 << 0 << "F1.dat"
-                         << "TU2__1990U"
-                         << "2-Year Note C 19" << 7 << QDate(1990, 6, 22) << QDate(1990, 9, 19);
+    QTest::addColumn<QString>("titolo");
+    QTest::addColumn<QString>("storia"); // quotes, last date, last close
+    QTest::newRow("ASR") << "italia-2010" << 462 << "ASR"
+                         << "F1.DAT|ASR|A.S. ROMA|7|2010-01-04|2010-07-09|-"
+                         << "127 2010-07-09 0.939";
+    QTest::newRow("ENEL") << "italia-2010" << 462 << "ENEL"
+                          << "F128.DAT|ENEL|ENEL.|7|2010-01-04|2010-07-09|-"
+                          << "132 2010-07-09 3.655";
+    QTest::newRow("RAT") << "italia-2010" << 462 << "RAT"
+                         << "F255.DAT|RAT|RATTI|7|2010-01-04|2010-07-09|-"
+                         << "132 2010-07-09 0.175";
+    QTest::newRow("RCF, XMASTER") << "italia-2010" << 462 << "RCF"
+                                  << "F256.MWD|RCF|RCF GROUP|7|2010-01-05|2010-07-09|-"
+                                  << "131 2010-07-09 0.796";
+    QTest::newRow("AEMI, stale dates") << "italia-bbfinance" << 40 << "AEMI"
+                                       << "F20.DAT|AEMI|A2A|7|1998-07-22|2014-06-27|-"
+                                       << "2 1998-07-23 1.099914";
+    QTest::newRow("APX, no symbol") << "sei-campi" << 25 << ""
+                                    << "F1.DAT||APX|6|1985-01-01|2021-10-29|-"
+                                    << "4208 2013-01-10 4.46";
+    QTest::newRow("TU2, lower case, NULs") << "futures-2y-note" << 131 << "TU2__1990U"
+                                           << "F1.dat|TU2__1990U|2-Year Note C 19|7|1990-06-22|1990-09-19|-"
+                                           << "62 1990-09-19 96.438";
 }
 
 void TstMaster::archiviReali()
 {
     QFETCH(QString, cartella);
     QFETCH(int, titoli);
-    QFETCH(int, indice);
-    QFETCH(QString, nomeFile);
     QFETCH(QString, simbolo);
-    QFETCH(QString, nome);
-    QFETCH(int, campi);
-    QFETCH(QDate, primo);
-    QFETCH(QDate, ultimo);
+    QFETCH(QString, titolo);
+    QFETCH(QString, storia);
     const QString percorso = QStringLiteral(VM_FIXTURES_DIR) + u'/' + cartella;
     if (!QDir(percorso).exists())
         QSKIP("real archives not present");
-
     const CartellaMS c = CartellaMS::leggi(percorso);
-    QCOMPARE(c.stato, CartellaMS::Stato::Letta);
     QCOMPARE(c.titoli.size(), titoli);
-    QVERIFY(!c.marchio.isEmpty());
-    QVERIFY(c.marchio != kMarchioQuotaflusso);
-    const RecordMaster *t = indice >= 0 ? &c.titoli[indice] : c.trovaSimbolo(simbolo);
+    QCOMPARE(c.marchio.size(), 5);
+    const RecordMaster *t = c.trovaSimbolo(simbolo);
     QVERIFY(t);
-    QCOMPARE(t->nomeFile, nomeFile);
-    QCOMPARE(t->simbolo, simbolo);
-    QCOMPARE(t->nome, nome);
-    QCOMPARE(t->campi, campi);
-    QCOMPARE(t->primaData, primo);
-    QCOMPARE(t->ultimaData, ultimo);
-    QVERIFY(!t->marcato());
+    QCOMPARE(prova::descrivi(*t), titolo);
+    const auto quote = leggiStoria(c.percorsoPrezzi(*t), t->campi);
+    QVERIFY(quote && !quote->isEmpty());
+    QCOMPARE(QStringLiteral("%1 %2 %3")
+                 .arg(quote->size())
+                 .arg(quote->last().data.toString(Qt::ISODate), testoFloatCsv(quote->last().chiusura)),
+        storia);
+    QCOMPARE(PrezzoMs(c.percorsoPrezzi(*t), t->campi), quote->last().chiusura);
+    QVERIFY(std::all_of(quote->begin(), quote->end(), [](const QuotaMS &q) { return q.data.isValid(); }));
 }
 
 QTEST_APPLESS_MAIN(TstMaster)
