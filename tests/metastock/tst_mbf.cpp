@@ -43,9 +43,9 @@ void TstMbf::cvsmbf_data()
     QTest::newRow("exponent 0xFF is finite") << QByteArray::fromHex("ffff7fff") << quint32(0x7EFFFFFF);
     QTest::newRow("exponent 0xFF negative") << QByteArray::fromHex("000080ff") << quint32(0xFE800000);
     QTest::newRow("exponent 3, smallest normal") << QByteArray::fromHex("00000003") << quint32(0x00800000);
-    QTest::newRow("exponent 2, subnormal") << QByteArray::fromHex("00000002") << quint32(0x00400000);
-    QTest::newRow("exponent 1, subnormal") << QByteArray::fromHex("00004001") << quint32(0x00300000);
-    QTest::newRow("exponent 1, negative") << QByteArray::fromHex("00008001") << quint32(0x80200000);
+    QTest::newRow("exponent 2 reads as zero") << QByteArray::fromHex("00000002") << quint32(0);
+    QTest::newRow("exponent 1 reads as zero") << QByteArray::fromHex("00004001") << quint32(0);
+    QTest::newRow("exponent 1, sign bit set") << QByteArray::fromHex("00008001") << quint32(0);
     QTest::newRow("real close 3.655") << QByteArray::fromHex("85eb6982") << std::bit_cast<quint32>(3.655f);
     QTest::newRow("wrong length: empty") << QByteArray() << 0xFFFFFFFFu;
     QTest::newRow("wrong length: 3 bytes") << QByteArray::fromHex("000081") << 0xFFFFFFFFu;
@@ -68,7 +68,7 @@ void TstMbf::andataRitorno_data()
     QTest::addColumn<float>("valore");
     QTest::addColumn<bool>("rappresentabile");
     for (const float v : { 1.0f, -1.0f, 0.939f, 3.655f, 96.438f, 1071119.0f, 991231.0f, 1.5e-30f, -7.25e30f,
-             std::numeric_limits<float>::max() / 2.0f, std::ldexp(1.0f, -127), std::ldexp(1.5f, -128) })
+             std::numeric_limits<float>::max() / 2.0f, std::ldexp(1.0f, -125) })
         QTest::addRow("%g", double(v)) << v << true;
     QTest::newRow("2^127") << std::ldexp(1.0f, 127) << false;
     QTest::newRow("inf") << std::numeric_limits<float>::infinity() << false;
