@@ -10,13 +10,10 @@ float mbfToFloat(const std::uint8_t *in) noexcept
     const std::uint8_t exponent = in[3];
     if (exponent == 0)
         return 0.0f;
-    if (exponent < 3) {
-        // No normal IEEE single is this small; take the nearest subnormal instead of letting the
-        // exponent wrap around to a huge value.
-        const std::uint32_t mantissa = 0x800000u | (std::uint32_t(in[2] & 0x7F) << 16) | (in[1] << 8) | in[0];
-        const float magnitude = std::ldexp(float(mantissa), int(exponent) - 129 - 24 + 1);
-        return (in[2] & 0x80) ? -magnitude : magnitude;
-    }
+    // Exponents 1 and 2 stand for magnitudes below 2^-127, which no normal single holds. Real archives
+    // store zero volumes and open interest that way, so they read as the zero they mean.
+    if (exponent < 3)
+        return 0.0f;
     const std::uint8_t e = exponent - 2;
     const std::uint32_t bits = (std::uint32_t((in[2] & 0x80) | (e >> 1)) << 24)
         | (std::uint32_t(((e & 1) << 7) | (in[2] & 0x7F)) << 16) | (std::uint32_t(in[1]) << 8) | in[0];
@@ -41,8 +38,8 @@ std::optional<CampoMbf> floatToMbf(float value) noexcept
     const int exponent = k + 128;
     if (exponent > 255)
         return std::nullopt;
-    if (exponent < 1)
-        return CampoMbf { 0, 0, 0, 0 }; // below MBF's range: the nearest it holds is zero
+    if (exponent < 3)
+        return CampoMbf { 0, 0, 0, 0 }; // below what the reader takes for a number: zero
     const auto mantissa = std::uint32_t(std::ldexp(m, 24)); // 24 bits, the top one implied
     return CampoMbf { std::uint8_t(mantissa), std::uint8_t(mantissa >> 8),
         std::uint8_t(((mantissa >> 16) & 0x7F) | (value < 0 ? 0x80 : 0)), std::uint8_t(exponent) };

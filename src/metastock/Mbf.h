@@ -16,7 +16,7 @@ using CampoMbf = std::array<std::uint8_t, 4>;
 
 // Converts four raw bytes, as they lie in the file, to an IEEE single. Exponent byte 0 is zero
 // whatever the other bytes hold; exponent bytes 1 and 2 (below the smallest normal IEEE single)
-// give the nearest subnormal value; 0xFF gives a large finite value, never infinity or NaN.
+// give 0.0 as well; 0xFF gives a large finite value, never infinity or NaN.
 float mbfToFloat(const std::uint8_t *bytes) noexcept;
 
 // The same on a field of any length: a field that is not exactly 4 bytes long is the error
