@@ -36,6 +36,13 @@ void printHelp(QTextStream &out)
 
 } // namespace
 
+QString csvField(const QString &text)
+{
+    if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') && !text.contains(u'\r'))
+        return text;
+    return u'"' + QString(text).replace(QStringLiteral("\""), QStringLiteral("\"\"")) + u'"';
+}
+
 bool wantsHelp(const QStringList &args)
 {
     return args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"));

@@ -25,6 +25,10 @@ struct CommandInfo {
 // Runs the tool on its arguments (without the program name) and returns the exit status.
 int run(const QStringList &args, Io &io);
 
+// One CSV field, quoted as RFC 4180 asks when it holds a comma, a quote or a line break. Lines end
+// with "\n", which every CSV reader takes.
+QString csvField(const QString &text);
+
 // True when args asks for help (-h / --help) for a command; the command then prints its usage.
 bool wantsHelp(const QStringList &args);
 

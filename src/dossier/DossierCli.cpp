@@ -34,22 +34,16 @@ QString numeroCsv(double valore)
     return QString::fromLatin1(buffer.data(), esito.ptr - buffer.data());
 }
 
-QString campoCsv(const QString &testo)
-{
-    if (!testo.contains(u',') && !testo.contains(u'"') && !testo.contains(u'\n') && !testo.contains(u'\r'))
-        return testo;
-    return u'"' + QString(testo).replace(QStringLiteral("\""), QStringLiteral("\"\"")) + u'"';
-}
-
 } // namespace
 
 QString csvDossier(const QList<RigaDossier> &righe)
 {
     QString csv = QStringLiteral("id,simbolo,descrizione,acquisto,data,attuale,differenza,percentuale,stato\n");
     for (const RigaDossier &r : righe) {
-        const QStringList campi { QString::number(r.idTitolo), campoCsv(r.simbolo), campoCsv(r.descrizione),
-            numeroCsv(r.acquisto), r.dataUltima.isValid() ? r.dataUltima.toString(Qt::ISODate) : QString(),
-            numeroCsv(r.attuale), numeroCsv(r.differenza), numeroCsv(r.percentuale), nomeStato(r.stato) };
+        const QStringList campi { QString::number(r.idTitolo), vm::cli::csvField(r.simbolo),
+            vm::cli::csvField(r.descrizione), numeroCsv(r.acquisto),
+            r.dataUltima.isValid() ? r.dataUltima.toString(Qt::ISODate) : QString(), numeroCsv(r.attuale),
+            numeroCsv(r.differenza), numeroCsv(r.percentuale), nomeStato(r.stato) };
         csv += campi.join(u',') + u'\n';
     }
     return csv;

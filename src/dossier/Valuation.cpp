@@ -62,12 +62,9 @@ const QHash<QString, const RecordMaster *> &Archivi::simboli(int i, const Cartel
     if (indice.pronto)
         return indice.simboli;
     indice.pronto = true;
-    // Only MASTER is searched, and only as many records as the low byte of its count announces: the
-    // titles that XMASTER adds are outside the valuation.
-    const int conteggio = cartella.conteggioMaster & 0xFF;
+    // Every title of the folder counts, those that XMASTER lists beyond MASTER's 255 included, so that
+    // the valuation finds what the archive listings show.
     for (const RecordMaster &t : cartella.titoli) {
-        if (t.elenco != metastock::Elenco::Master || t.posizione - 1 > conteggio)
-            continue;
         if (!indice.simboli.contains(t.simbolo))
             indice.simboli.insert(t.simbolo, &t);
     }

@@ -12,7 +12,7 @@ namespace vm::metastock {
 
 namespace {
 
-constexpr QLatin1StringView kFineRigaCsv { "\r\n" };
+constexpr QLatin1StringView kFineRigaCsv { "\n" };
 
 struct Argomenti {
     QStringList posizionali;
@@ -135,15 +135,6 @@ QString testoFloatCsv(float valore)
     return QString::fromLatin1(buf, r.ptr - buf);
 }
 
-QString campoCsv(const QString &testo)
-{
-    if (!testo.contains(u',') && !testo.contains(u'"') && !testo.contains(u'\n') && !testo.contains(u'\r'))
-        return testo;
-    QString quotato = testo;
-    quotato.replace(u'"', QLatin1String("\"\""));
-    return u'"' + quotato + u'"';
-}
-
 int cmdTitoli(const QStringList &args, vm::cli::Io &io)
 {
     Argomenti a;
@@ -154,9 +145,9 @@ int cmdTitoli(const QStringList &args, vm::cli::Io &io)
     if (a.csv) {
         io.out << "simbolo,nome,campi,file,primo,ultimo,marcato" << kFineRigaCsv;
         for (const RecordMaster &t : cartella.titoli) {
-            io.out << campoCsv(t.simbolo) << ',' << campoCsv(t.nome) << ',' << t.campi << ',' << campoCsv(t.nomeFile)
-                   << ',' << dataIso(t.primaData) << ',' << dataIso(t.ultimaData) << ',' << (t.marcato() ? 1 : 0)
-                   << kFineRigaCsv;
+            io.out << vm::cli::csvField(t.simbolo) << ',' << vm::cli::csvField(t.nome) << ',' << t.campi << ','
+                   << vm::cli::csvField(t.nomeFile) << ',' << dataIso(t.primaData) << ',' << dataIso(t.ultimaData)
+                   << ',' << (t.marcato() ? 1 : 0) << kFineRigaCsv;
         }
         return vm::cli::Ok;
     }

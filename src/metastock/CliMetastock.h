@@ -11,7 +11,5 @@ int cmdQuotazioni(const QStringList &args, vm::cli::Io &io);
 
 // The shortest text with a decimal point that reads back as the same single.
 QString testoFloatCsv(float valore);
-// A CSV field as RFC 4180 wants it: quoted when it holds a comma, a quote or a line break.
-QString campoCsv(const QString &testo);
 
 } // namespace vm::metastock

@@ -109,7 +109,7 @@ private Q_SLOTS:
         QTest::newRow("missing folder after the match") << "AM" << "ENEL" << 10.0 << si << 10.5f << "100,00|29/02/24|105,00|5,00|5,00%" << "";
         QTest::newRow("unmarked archive") << "UA" << "UNM" << 10.0 << StatoTitolo::NonCompatibile << 12.0f << "100,00||120,00|20,00|0.0%" << "";
         QTest::newRow("price file missing") << "P" << "PERSO" << 2.0 << si << 0.0f << "20,00|29/02/24|0,00|-20,00|-100,00%" << "Valorimetrico|ATTENZIONE";
-        QTest::newRow("XMASTER is not searched") << "X" << "EXTRA" << 1.0 << no << 0.0f << "10,00|" + mancante << "ATTENZIONE";
+        QTest::newRow("title listed in XMASTER") << "X" << "EXTRA" << 1.0 << si << 9.0f << "10,00|29/02/24|90,00|80,00|800,00%" << "";
         // clang-format on
     }
 

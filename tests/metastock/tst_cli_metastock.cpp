@@ -77,15 +77,15 @@ void TstCliMetastock::titoliCsv()
     Esito e = esegui({ "titoli", m_a, "--csv" });
     QCOMPARE(e.stato, 0);
     QCOMPARE(e.out,
-        "simbolo,nome,campi,file,primo,ultimo,marcato\r\n"
-        "\"V,1\",\"Ca' \"\"B\"\", Spa\",5,f1.dat,2000-01-01,2000-01-01,0\r\n"
-        "CIT,CITTÀ,7,f0.dat,1999-12-31,2030-12-31,0\r\n");
+        "simbolo,nome,campi,file,primo,ultimo,marcato\n"
+        "\"V,1\",\"Ca' \"\"B\"\", Spa\",5,f1.dat,2000-01-01,2000-01-01,0\n"
+        "CIT,CITTÀ,7,f0.dat,1999-12-31,2030-12-31,0\n");
     e = esegui({ "titoli", "--csv", m_b });
     QCOMPARE(e.stato, 0);
     QCOMPARE(e.out,
-        "simbolo,nome,campi,file,primo,ultimo,marcato\r\n"
-        "M,Emme,7,F1.DAT,1999-12-30,2000-01-01,1\r\n"
-        "X,Ics,6,F256.MWD,1999-12-30,2000-01-01,1\r\n");
+        "simbolo,nome,campi,file,primo,ultimo,marcato\n"
+        "M,Emme,7,F1.DAT,1999-12-30,2000-01-01,1\n"
+        "X,Ics,6,F256.MWD,1999-12-30,2000-01-01,1\n");
 }
 
 void TstCliMetastock::quotazioniCsv_data()
@@ -95,16 +95,16 @@ void TstCliMetastock::quotazioniCsv_data()
     QTest::addColumn<QString>("righe");
     QTest::newRow("5 fields, shortest numbers") << "a"
                                                 << "V,1"
-                                                << "2000-01-01,,1.5,0.000123,0.1,10000000,\r\n";
+                                                << "2000-01-01,,1.5,0.000123,0.1,10000000,\n";
     QTest::newRow("7 fields, both sides of 2000") << "a"
                                                   << "CIT"
-                                                  << "1999-12-31,1,2,-0.5,96.438,123456,1.25\r\n"
-                                                     "2030-12-31,1,2,-0.5,96.438,123456,1.25\r\n";
+                                                  << "1999-12-31,1,2,-0.5,96.438,123456,1.25\n"
+                                                     "2030-12-31,1,2,-0.5,96.438,123456,1.25\n";
     QTest::newRow("6 fields, XMASTER") << "b"
                                        << " X "
-                                       << "1999-12-30,9.875,10.5,9.5,10,1000,\r\n"
-                                          "1999-12-31,10.125,10.75,9.75,10.25,2000,\r\n"
-                                          "2000-01-01,10.375,11,10,10.5,3000,\r\n";
+                                       << "1999-12-30,9.875,10.5,9.5,10,1000,\n"
+                                          "1999-12-31,10.125,10.75,9.75,10.25,2000,\n"
+                                          "2000-01-01,10.375,11,10,10.5,3000,\n";
 }
 
 void TstCliMetastock::quotazioniCsv()
@@ -115,7 +115,7 @@ void TstCliMetastock::quotazioniCsv()
     const Esito e = esegui({ "quotazioni", m_dir.filePath(cartella), simbolo, "--csv" });
     QCOMPARE(e.err, QString());
     QCOMPARE(e.stato, 0);
-    QCOMPARE(e.out, "data,apertura,massimo,minimo,chiusura,volume,ufficiale\r\n" + righe);
+    QCOMPARE(e.out, "data,apertura,massimo,minimo,chiusura,volume,ufficiale\n" + righe);
 }
 
 void TstCliMetastock::esiti_data()
