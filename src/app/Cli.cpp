@@ -10,7 +10,7 @@ namespace {
 
 // Each subsystem registers its commands here, in the order --help lists them.
 const CommandInfo kCommands[] = {
-    {"", "", nullptr}, // keeps the table non-empty while no command is registered
+    { "", "", nullptr }, // keeps the table non-empty while no command is registered
 };
 
 void printHelp(QTextStream &out)

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QLocale>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace vm {
+
+class MainWindow;
+
+// How opening the database went.
+struct DatabaseOpening {
+    enum Outcome { Opened, WrongPassword, Failed };
+    Outcome outcome = Opened;
+    int errorNumber = 0; // for Failed: shown as "Errore " + number
+    QString detail; // for Failed: a sentence for the user, when there is one
+};
+
+// What the start-up reads from the world, so that tests can set each part of it.
+struct StartupEnvironment {
+    int screenWidth = 1024; // logical pixels
+    QString programFolder; // holds the database, the settings file and the reports
+    QLocale systemLocale = QLocale::system();
+    // Opens the database file for the whole run.
+    std::function<DatabaseOpening(const QString &databasePath)> openDatabase;
+    // Whether a dossier password is stored (read once the database is open).
+    std::function<bool()> dossierProtected;
+};
+
+// The start-up sequence "Main": checks the screen and the database, opens it, shows the splash
+// (or not) and the main window, starts the folder check and warns about regional settings.
+class Startup
+{
+public:
+    explicit Startup(StartupEnvironment environment);
+    ~Startup();
+
+    // Runs every step in order. True when the program goes on (a window is open), false when it
+    // has ended with its message.
+    bool Main();
+
+    MainWindow *mainWindow() const { return m_mainWindow.get(); }
+
+    // The individual rules, for the steps and their tests.
+    static bool screenWidthAccepted(int widthPx); // every width but 640 and 480
+    static bool regionalSettingsItalian(const QLocale &locale); // 0.789 written with a comma
+    // The Splash setting as a number: nullopt when it is not one (the start-up then fails).
+    static std::optional<double> splashValue(const QString &text);
+
+    static constexpr int kTypeMismatch = 13; // "Errore 13": a setting that is not a number
+
+private:
+    bool fail(const QString &text, const QString &title = {});
+    void showMainWindow();
+
+    StartupEnvironment m_env;
+    std::unique_ptr<MainWindow> m_mainWindow;
+};
+
+} // namespace vm
