@@ -65,6 +65,8 @@ void Startup::showMainWindow()
 {
     state().DossierProtetto = m_env.dossierProtected ? m_env.dossierProtected() : false;
     m_mainWindow = std::make_unique<MainWindow>();
+    if (m_env.prepareMainWindow)
+        m_env.prepareMainWindow(*m_mainWindow);
     // A splash loaded earlier becomes an owned window of the frame, so that it stays above it.
     if (aux::Form135 *splash = aux::Form135::instance(); splash && !splash->parent())
         splash->setParent(m_mainWindow.get(), splash->windowFlags());

@@ -28,6 +28,9 @@ struct StartupEnvironment {
     std::function<DatabaseOpening(const QString &databasePath)> openDatabase;
     // Whether a dossier password is stored (read once the database is open).
     std::function<bool()> dossierProtected;
+    // Plugs the views, the folder check and the password windows into the new main window,
+    // before it is shown.
+    std::function<void(MainWindow &)> prepareMainWindow;
 };
 
 // The start-up sequence "Main": checks the screen and the database, opens it, shows the splash
