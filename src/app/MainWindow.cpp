@@ -176,7 +176,7 @@ QComboBox *MainWindow::addTitleSelector(QToolBar *bar, const QString &name, std:
 {
     auto *combo = new QComboBox(bar);
     combo->setObjectName(name);
-    combo->setMinimumContentsLength(24);
+    combo->setMinimumContentsLength(16);
     bar->addWidget(combo);
     // The tag "X" marks a change made by the program itself, which the handler lets pass.
     connect(combo, &QComboBox::currentIndexChanged, this, [combo, onUserChoice = std::move(onUserChoice)](int index) {
@@ -517,6 +517,7 @@ void MainWindow::buildToolbars()
 
     // Dossier commands; their order counts: the views refer to buttons 5, 6, 7 and 9 to 11.
     // "anagrafica", "aggiorna" and "print" (5 to 7) follow the overview's state, not only their hooks.
+    addToolBarBreak(); // the dossier and chart commands, with their title selectors, on a second row
     QToolBar *t4 = bar(4);
     connect(key(t4, "sx", "Titolo precedente", "go-previous"), &QAction::triggered, this,
         [this] { stepTitle(m_combo2, -1); });
