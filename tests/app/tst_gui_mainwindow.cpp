@@ -1,8 +1,8 @@
+#include "app/IniFile.h"
 #include "app/MainWindow.h"
 #include "app/MessageBox.h"
 #include "app/ProgramState.h"
 #include "app/ProgressBar.h"
-#include "app/ShellSettings.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -34,7 +34,7 @@ class TestMainWindow : public QObject
     }
     QString setting(const char *section, const char *key) const
     {
-        return vm::shell::readSetting(QString::fromLatin1(section), QString::fromLatin1(key), QStringLiteral("<none>"));
+        return vm::readIni(vm::state().FileIni, QString::fromLatin1(section), QString::fromLatin1(key), u"<none>");
     }
     // The one message shown since the last reset, as "title|text".
     static QString onlyMessage()
@@ -318,8 +318,8 @@ private Q_SLOTS:
         action(target.toLatin1())->trigger();
         m_window->colourMenu()->hide();
         m_window->colourMenu()->findChildren<QAction *>(QStringLiteral("m_c")).at(colour)->trigger();
-        QCOMPARE(vm::shell::readSetting(section, key, {}), QString::number(colour));
-        QCOMPARE(vm::shell::readSetting(untouched, key, QStringLiteral("<none>")), QStringLiteral("<none>"));
+        QCOMPARE(vm::readIni(vm::state().FileIni, section, key, {}), QString::number(colour));
+        QCOMPARE(vm::readIni(vm::state().FileIni, untouched, key, u"<none>"), QStringLiteral("<none>"));
         QCOMPARE(quoteRedraw.size(), section == QLatin1String("Grafico") ? 1 : 0);
     }
 
@@ -357,7 +357,7 @@ private Q_SLOTS:
         QFETCH(QString, value);
         for (const QString &item : items)
             action(item.toLatin1())->trigger();
-        QCOMPARE(vm::shell::readSetting(section, key, {}), value);
+        QCOMPARE(vm::readIni(vm::state().FileIni, section, key, {}), value);
         QVERIFY(action(items.last().toLatin1())->isChecked());
     }
 
@@ -436,7 +436,7 @@ private Q_SLOTS:
         testing::reset();
         const QString program = m_folder.filePath(QStringLiteral("quotaflusso.exe"));
         QFile(program).open(QIODevice::WriteOnly);
-        vm::shell::writeSetting(QStringLiteral("Strumenti"), QStringLiteral("Quotaflusso"), program);
+        vm::ScriviIni(vm::state().FileIni, u"Strumenti", u"Quotaflusso", program);
         action("m_run_quotaflusso")->trigger();
         QVERIFY(testing::messages().isEmpty());
         QCOMPARE(testing::startedPrograms(), QList<QStringList> { { program } });

@@ -1,17 +1,17 @@
 #include "app/MainWindow.h"
 #include "app/MessageBox.h"
 #include "app/ProgramState.h"
-#include "app/ShellSettings.h"
 #include "app/Startup.h"
 #include "auxiliary/Form135.h"
+#include "store/Database.h"
 
+#include <QAction>
 #include <QCheckBox>
 #include <QFile>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 
-using vm::DatabaseOpening;
 using vm::MainWindow;
 using vm::Startup;
 namespace testing = vm::ui::testing;
@@ -37,7 +37,6 @@ class TestStartup : public QObject
         env.screenWidth = 1024;
         env.programFolder = m_folder->path();
         env.systemLocale = QLocale(QLocale::Italian, QLocale::Italy);
-        env.openDatabase = [](const QString &) { return DatabaseOpening {}; };
         env.prepareMainWindow
             = [this](MainWindow &w) { w.setHook(MainWindow::Hook::FolderCheck, [this] { ++m_folderChecks; }); };
         return env;
@@ -56,8 +55,7 @@ private Q_SLOTS:
         testing::reset();
         m_folderChecks = 0;
         m_folder = std::make_unique<QTemporaryDir>();
-        QFile db(file("valorimetrico.mdb"));
-        QVERIFY(db.open(QIODevice::WriteOnly));
+        QVERIFY(!vm::store::Database::create(file("valorimetrico.mdb")).failed());
     }
     void cleanup()
     {
@@ -96,46 +94,57 @@ private Q_SLOTS:
     void missingDatabase()
     {
         QFile::remove(file("valorimetrico.mdb"));
-        bool opened = false;
-        auto env = environment();
-        env.openDatabase = [&opened](const QString &) {
-            opened = true;
-            return DatabaseOpening {};
-        };
-        Startup startup(env);
+        Startup startup(environment());
         QVERIFY(!startup.Main());
-        QVERIFY(!opened);
+        QVERIFY(!vm::state().DbDossier);
         QCOMPARE(shownTexts(),
             QStringList { "Valorimetrico|Importante!, l'archivio di Quotaflusso non è stato trovato, "
                           "non posso proseguire." });
         QCOMPARE(testing::beeps(), 1);
     }
 
+    // A database that cannot be used ends the start before any window opens.
     void databaseRefused_data()
     {
-        QTest::addColumn<int>("outcome");
-        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("wrong password") << int(DatabaseOpening::WrongPassword) << 3031
+        QTest::newRow("wrong password") << "password"
                                         << "Password non esatta|Accesso ai dati non consentito";
-        QTest::newRow("damaged") << int(DatabaseOpening::Failed) << 3049 << "Valorimetrico|Errore 3049";
-        QTest::newRow("locked") << int(DatabaseOpening::Failed) << 3045 << "Valorimetrico|Errore 3045";
+        QTest::newRow("not a database") << "garbage"
+                                        << "Password non esatta|Accesso ai dati non consentito";
+        QTest::newRow("in use") << "locked"
+                                << "Valorimetrico|Errore 3356";
     }
     void databaseRefused()
     {
-        QFETCH(int, outcome);
-        QFETCH(int, number);
+        QFETCH(QString, kind);
         QFETCH(QString, shown);
-        auto env = environment();
-        env.openDatabase = [&](const QString &path) {
-            [&] { QCOMPARE(path, file("valorimetrico.mdb")); }();
-            return DatabaseOpening { DatabaseOpening::Outcome(outcome), number, {} };
-        };
-        Startup startup(env);
+        const QString path = file("valorimetrico.mdb");
+        vm::store::Database other;
+        if (kind == QLatin1String("password")) {
+            QVERIFY(QFile::remove(path));
+            QVERIFY(!vm::store::Database::create(path, QStringLiteral("altra")).failed());
+        } else if (kind == QLatin1String("garbage")) {
+            QFile f(path);
+            QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            f.write(QByteArray(4096, 'x'));
+        } else {
+            QVERIFY(other.open(path).ok());
+        }
+        const QByteArray before = [&] {
+            QFile f(path);
+            return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+        }();
+        Startup startup(environment());
         QVERIFY(!startup.Main());
         QVERIFY(!startup.mainWindow());
-        QCOMPARE(shownTexts(), QStringList { shown });
+        QCOMPARE(shownTexts().value(0).section(QLatin1Char('\n'), 0, 0), shown);
+        QCOMPARE(shownTexts().size(), 1);
+        QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Critical);
         QCOMPARE(m_folderChecks, 0);
+        QFile f(path);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        QCOMPARE(f.readAll(), before); // refused files stay as they were
     }
 
     // No settings file: the splash shows with its box checked, and nothing gets written.
@@ -229,14 +238,33 @@ private Q_SLOTS:
     {
         QFETCH(bool, isProtected);
         writeIni("[Opzioni]\nSplash=0\n");
-        auto env = environment();
-        env.dossierProtected = [isProtected] { return isProtected; };
-        Startup startup(env);
+        {
+            vm::store::Database db;
+            QVERIFY(db.open(file("valorimetrico.mdb")).ok());
+            QVERIFY(db.setDossierPassword(isProtected ? QStringLiteral("abc") : QStringLiteral("   ")));
+        }
+        Startup startup(environment());
         QVERIFY(startup.Main());
         QCOMPARE(vm::state().DossierProtetto, isProtected);
         QCOMPARE(startup.mainWindow()->statusBar()->toolTip(),
             isProtected ? QStringLiteral("Accesso dossier titoli protetto")
                         : QStringLiteral("Accesso dossier titoli non protetto"));
+    }
+
+    // The compaction command works on the open database, twice in a row.
+    void compactTwice()
+    {
+        writeIni("[Opzioni]\nSplash=0\n");
+        Startup startup(environment());
+        QVERIFY(startup.Main());
+        QAction *compact = startup.mainWindow()->findChild<QAction *>(QStringLiteral("m_dati_compatta"));
+        QVERIFY(compact->isEnabled());
+        compact->trigger();
+        compact->trigger();
+        QCOMPARE(
+            shownTexts(), QStringList({ "Valorimetrico|Database compattato.", "Valorimetrico|Database compattato." }));
+        QVERIFY(vm::state().DbDossier->isOpen());
+        QVERIFY(!QFile::exists(file("temp.mdb")));
     }
 };
 

@@ -1,8 +1,8 @@
 #include "app/AppInfo.h"
+#include "app/IniFile.h"
 #include "app/MainWindow.h"
 #include "app/MessageBox.h"
 #include "app/ProgramState.h"
-#include "app/ShellSettings.h"
 #include "auxiliary/Form135.h"
 
 #include <QAction>
@@ -138,9 +138,9 @@ private Q_SLOTS:
         QCOMPARE(box->isChecked(), checkedAtLoad);
         QCOMPARE(QFile::exists(iniPath()), !ini.isEmpty()); // loading writes nothing
         box->click();
-        QCOMPARE(vm::shell::readSetting(QStringLiteral("Opzioni"), QStringLiteral("Splash"), {}), written);
+        QCOMPARE(vm::readIni(iniPath(), u"Opzioni", u"Splash", {}), written);
         box->click();
-        QCOMPARE(vm::shell::readSetting(QStringLiteral("Opzioni"), QStringLiteral("Splash"), {}),
+        QCOMPARE(vm::readIni(iniPath(), u"Opzioni", u"Splash", {}),
             written == QLatin1String("1") ? QStringLiteral("0") : QStringLiteral("1"));
     }
 
