@@ -4,6 +4,7 @@
 #include "app/MessageBox.h"
 #include "app/ProgramState.h"
 #include "app/Settings.h"
+#include "app/Views.h"
 #include "auxiliary/Form135.h"
 
 #include <QApplication>
@@ -71,7 +72,9 @@ void Startup::showMainWindow()
         return error.failed() ? std::optional<QString>(errorText(error)) : std::nullopt;
     });
     if (m_env.prepareMainWindow)
-        m_env.prepareMainWindow(*m_mainWindow);
+        m_env.prepareMainWindow(*m_mainWindow, m_database);
+    else
+        installViews(*m_mainWindow, m_database);
     // A splash loaded earlier becomes an owned window of the frame, so that it stays above it.
     if (aux::Form135 *splash = aux::Form135::instance(); splash && !splash->parent())
         splash->setParent(m_mainWindow.get(), splash->windowFlags());

@@ -19,8 +19,8 @@ struct StartupEnvironment {
     QString programFolder; // holds the database, the settings file and the reports
     QLocale systemLocale = QLocale::system();
     // Plugs the views, the folder check and the password windows into the new main window,
-    // before it is shown.
-    std::function<void(MainWindow &)> prepareMainWindow;
+    // before it is shown; installViews() when not set.
+    std::function<void(MainWindow &, store::Database &)> prepareMainWindow;
 };
 
 // The start-up sequence "Main": checks the screen and the database, opens it, shows the splash

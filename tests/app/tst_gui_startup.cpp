@@ -37,8 +37,9 @@ class TestStartup : public QObject
         env.screenWidth = 1024;
         env.programFolder = m_folder->path();
         env.systemLocale = QLocale(QLocale::Italian, QLocale::Italy);
-        env.prepareMainWindow
-            = [this](MainWindow &w) { w.setHook(MainWindow::Hook::FolderCheck, [this] { ++m_folderChecks; }); };
+        env.prepareMainWindow = [this](MainWindow &w, vm::store::Database &) {
+            w.setHook(MainWindow::Hook::FolderCheck, [this] { ++m_folderChecks; });
+        };
         return env;
     }
     static QStringList shownTexts()
