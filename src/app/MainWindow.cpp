@@ -61,8 +61,17 @@ QIcon themeIcon(const char *name)
 
 void ensureIconTheme()
 {
-    if (!QIcon::hasThemeIcon(QStringLiteral("document-new")))
-        QIcon::setThemeName(QStringLiteral("Tango"));
+    if (QIcon::hasThemeIcon(QStringLiteral("document-new")))
+        return;
+    // Without a desktop (no platform theme, as offscreen) Qt knows no icon folders at all.
+    QStringList paths = QIcon::themeSearchPaths();
+    for (const QString &dir : QStandardPaths::locateAll(
+             QStandardPaths::GenericDataLocation, QStringLiteral("icons"), QStandardPaths::LocateDirectory)) {
+        if (!paths.contains(dir))
+            paths << dir;
+    }
+    QIcon::setThemeSearchPaths(paths);
+    QIcon::setThemeName(QStringLiteral("Tango"));
 }
 
 QIcon colourSwatch(int index)

@@ -1,5 +1,7 @@
+#include "app/MainWindow.h"
 #include "app/MessageBox.h"
 #include "app/ProgramFolder.h"
+#include "app/Screenshot.h"
 #include "app/Startup.h"
 
 #include <QApplication>
@@ -17,8 +19,15 @@ int main(int argc, char *argv[])
         QTextStream(stdout) << "Uso: valorimetrico [--cartella DIR]\n\n"
                                "  --cartella DIR  cartella dell'archivio valorimetrico.mdb, delle impostazioni\n"
                                "                  e dei report (predefinita: quella del programma, se contiene\n"
-                               "                  l'archivio, altrimenti la cartella dei dati dell'utente)\n";
+                               "                  l'archivio, altrimenti la cartella dei dati dell'utente)\n"
+                               "  --schermata FILE  salva l'immagine della finestra principale a avvio concluso\n"
+                               "                  ed esce\n";
         return 0;
+    }
+    QString screenshot;
+    if (const qsizetype at = args.indexOf(QLatin1String("--schermata")); at >= 0 && at + 1 < args.size()) {
+        screenshot = args.at(at + 1);
+        args.remove(at, 2);
     }
     QString error;
     const std::optional<vm::ProgramFolder> folder = vm::ProgramFolder::fromArguments(args, error);
@@ -33,5 +42,7 @@ int main(int argc, char *argv[])
     vm::Startup startup(std::move(env));
     if (!startup.Main())
         return 1;
+    if (!screenshot.isEmpty())
+        vm::saveScreenshotWhenSettled(startup.mainWindow(), screenshot);
     return app.exec();
 }

@@ -139,6 +139,18 @@ private Q_SLOTS:
         QCOMPARE(m_window->toolbar(number)->objectName(), QStringLiteral("Toolbar%1").arg(number));
     }
 
+    // Icons come from the desktop's theme; without a desktop (offscreen, as here) from the installed one.
+    void everyToolbarButtonHasAnIcon()
+    {
+        for (int number = 1; number <= 5; ++number) {
+            for (QAction *a : m_window->toolbar(number)->actions()) {
+                if (!a->objectName().isEmpty())
+                    QVERIFY2(!a->icon().pixmap(22, 22).isNull(), qPrintable(a->objectName()));
+            }
+        }
+        QVERIFY(!m_window->statusPanel(4)->iconName().isEmpty());
+    }
+
     void dossierButtonsAtLoad()
     {
         for (const char *key : { "anagrafica", "aggiorna", "print" })
