@@ -1,6 +1,7 @@
 #include "app/MainWindow.h"
 
 #include "app/AppInfo.h"
+#include "app/FolderCheck.h"
 #include "app/MessageBox.h"
 #include "app/ProgramFolder.h"
 #include "app/ProgramState.h"
@@ -375,13 +376,19 @@ void MainWindow::buildMenus()
     QMenu *web = info->addMenu(themeIcon("internet-web-browser"), QStringLiteral("Valorimetrico sul Web"));
     web->setObjectName(QStringLiteral("M_ms_web"));
     web->menuAction()->setObjectName(QStringLiteral("M_ms_web"));
-    // The maker's addresses are not settled yet: the links wait for them.
-    for (const auto &[name, caption] :
-        { std::pair { "m_mc_htm", "Pagina Valorimetrico" }, std::pair { "M_ms_link", "&Home page Quotaflusso .." } }) {
-        addCommand(web, QString::fromLatin1(name), QString::fromUtf8(caption))->setEnabled(false);
+    const QString site = QStringLiteral("https://") + QString::fromLatin1(kSitoQuotaflusso);
+    const std::tuple<QMenu *, const char *, const char *, QString> links[] = {
+        { web, "m_mc_htm", "Pagina Valorimetrico", site + QStringLiteral("/valorimetrico.htm") },
+        { web, "M_ms_link", "&Home page Quotaflusso ..", site },
+        { info, "m_ms_email", "&Invia una Email..",
+            QStringLiteral("mailto:") + QString::fromLatin1(kPostaQuotaflusso)
+                + QStringLiteral("?subject=Informazioni, notizie, chiarimenti su Valorimetrico") },
+    };
+    // The desktop reports nothing when it cannot open one of them, and neither does the program.
+    for (const auto &[owner, name, caption, address] : links) {
+        connect(addCommand(owner, QString::fromLatin1(name), QString::fromUtf8(caption)), &QAction::triggered, this,
+            [address = address] { ui::openDocument(address); });
     }
-    addCommand(info, QStringLiteral("m_ms_email"), QStringLiteral("&Invia una Email.."), "mail-message-new")
-        ->setEnabled(false);
     connect(addCommand(info, QStringLiteral("m_leggimi"), QStringLiteral("&Leggimi"), "x-office-document"),
         &QAction::triggered, this, &MainWindow::openReadme);
     info->addSeparator();

@@ -131,8 +131,8 @@ bool openDocument(const QString &pathOrUrl)
         r.documents << pathOrUrl;
         return r.launchSucceeds;
     }
-    const QUrl url = QUrl::fromUserInput(pathOrUrl, QString(), QUrl::AssumeLocalFile);
-    return QDesktopServices::openUrl(url);
+    const bool isAddress = pathOrUrl.contains(QLatin1String("://")) || pathOrUrl.startsWith(QLatin1String("mailto:"));
+    return QDesktopServices::openUrl(isAddress ? QUrl(pathOrUrl) : QUrl::fromLocalFile(pathOrUrl));
 }
 
 bool startProgram(const QString &program, const QStringList &arguments)

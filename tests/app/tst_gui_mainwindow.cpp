@@ -460,6 +460,50 @@ private Q_SLOTS:
         QCOMPARE(testing::openedDocuments(), QStringList { m_folder.filePath(QStringLiteral("MstkTestFiles.txt")) });
     }
 
+    void links_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("address");
+        QTest::newRow("page") << "m_mc_htm"
+                              << "https://www.quotaflusso.it/valorimetrico.htm";
+        QTest::newRow("home") << "M_ms_link"
+                              << "https://www.quotaflusso.it";
+        QTest::newRow("mail") << "m_ms_email"
+                              << "mailto:assistenza@quotaflusso.it?subject=Informazioni, notizie, chiarimenti su "
+                                 "Valorimetrico";
+    }
+    void links()
+    {
+        QFETCH(QString, command);
+        QFETCH(QString, address);
+        testing::setLaunchSucceeds(false); // a failure is not reported
+        action(command.toLatin1())->trigger();
+        QCOMPARE(testing::openedDocuments(), QStringList { address });
+        QVERIFY(testing::messages().isEmpty());
+    }
+
+    void readme_data()
+    {
+        QTest::addColumn<bool>("present");
+        QTest::newRow("present") << true;
+        QTest::newRow("missing") << false;
+    }
+    void readme()
+    {
+        QFETCH(bool, present);
+        const QString pdf = m_folder.filePath(QStringLiteral("valorimetrico_info.pdf"));
+        if (present)
+            QFile(pdf).open(QIODevice::WriteOnly);
+        else
+            QFile::remove(pdf);
+        action("m_leggimi")->trigger();
+        QCOMPARE(testing::openedDocuments(), present ? QStringList { pdf } : QStringList {});
+        QCOMPARE(onlyMessage(),
+            present ? QStringLiteral("0 messages")
+                    : QStringLiteral("File non trovato|File valorimetrico_info.pdf non trovato, "
+                                     "oppure Acrobat Reader non installato."));
+    }
+
     void testRunsTheFolderCheck()
     {
         int checks = 0;
