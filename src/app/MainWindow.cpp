@@ -7,6 +7,7 @@
 #include "app/ProgramState.h"
 #include "app/ProgressBar.h"
 #include "app/Settings.h"
+#include "app/WindowSupport.h"
 #include "auxiliary/Form135.h"
 
 #include <QAction>
@@ -672,10 +673,7 @@ void MainWindow::buildProgressPanel()
 void MainWindow::Centra()
 {
     setFixedSize(px(12000), px(8100));
-    if (QScreen *s = screen()) {
-        const QRect g = s->geometry();
-        move(g.x() + (g.width() - px(12000)) / 2, g.y() + (g.height() - px(8100)) / 2);
-    }
+    centreOnScreen(this);
 }
 
 void MainWindow::VaiDossierTitoli()

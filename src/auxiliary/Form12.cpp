@@ -4,33 +4,26 @@
 #include "app/MessageBox.h"
 #include "app/ProgramState.h"
 #include "app/Settings.h"
+#include "app/WindowSupport.h"
 
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <QPushButton>
-#include <QScreen>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
 namespace vm::aux {
 
-namespace {
-QPointer<Form12> g_form12;
-}
-
 Form12 *Form12::instance()
 {
-    return g_form12;
+    return windowInstance<Form12>();
 }
 
 Form12 *Form12::load()
 {
-    if (!g_form12)
-        g_form12 = new Form12(MainWindow::instance());
-    return g_form12;
+    return loadWindow<Form12>(MainWindow::instance());
 }
 
 bool Form12::isCompanionProgram(const QString &path)
@@ -72,10 +65,7 @@ Form12::Form12(QWidget *parent)
     layout->addWidget(close, 0, Qt::AlignRight);
 
     setFixedSize(440, 200);
-    if (QScreen *s = screen()) {
-        const QRect g = s->geometry();
-        move(g.x() + (g.width() - width()) / 2, g.y() + (g.height() - height()) / 2);
-    }
+    centreOnScreen(this);
 
     m_text1->setText(readSetting(state().FileIni, settings::StrumentiQuotaflusso));
     // Every keystroke is stored at once; there is no separate save.

@@ -16,6 +16,8 @@ class Form12 : public QDialog
     Q_OBJECT
 public:
     // The one instance, created on first use and destroyed when closed.
+    explicit Form12(QWidget *owner);
+
     static Form12 *instance();
     static Form12 *load();
 
@@ -24,7 +26,6 @@ public:
     static bool isCompanionProgram(const QString &path);
 
 private:
-    explicit Form12(QWidget *parent);
     void browse();
     void store(const QString &path);
 

@@ -4,6 +4,7 @@
 #include "app/MainWindow.h"
 #include "app/ProgramState.h"
 #include "app/Settings.h"
+#include "app/WindowSupport.h"
 #include "auxiliary/Chime.h"
 
 #include <QCheckBox>
@@ -12,9 +13,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QPointer>
 #include <QPushButton>
-#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -24,8 +23,6 @@
 namespace vm::aux {
 
 namespace {
-
-QPointer<Form135> g_form135;
 
 QLabel *namedLabel(const char *name, const QString &text, QWidget *parent)
 {
@@ -38,14 +35,12 @@ QLabel *namedLabel(const char *name, const QString &text, QWidget *parent)
 
 Form135 *Form135::instance()
 {
-    return g_form135;
+    return windowInstance<Form135>();
 }
 
 Form135 *Form135::load()
 {
-    if (!g_form135)
-        g_form135 = new Form135(MainWindow::instance());
-    return g_form135;
+    return loadWindow<Form135>(MainWindow::instance());
 }
 
 void Form135::showAbout()
@@ -155,10 +150,7 @@ Form135::Form135(QWidget *parent)
     layout->addLayout(bottom);
 
     setFixedSize(480, 340);
-    if (QScreen *s = screen()) {
-        const QRect g = s->geometry();
-        move(g.x() + (g.width() - width()) / 2, g.y() + (g.height() - height()) / 2);
-    }
+    centreOnScreen(this);
 
     playChime();
 

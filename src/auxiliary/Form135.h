@@ -21,6 +21,8 @@ public:
     static constexpr int kTickMs = 100; // 39 ticks: about four seconds of splash
 
     // The one instance: created (its load step runs) on first use, destroyed when closed.
+    explicit Form135(QWidget *owner);
+
     static Form135 *instance();
     static Form135 *load();
     // The about box, from the help menu.
@@ -47,7 +49,6 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    explicit Form135(QWidget *parent);
     void tick();
     void setTicks(int ticks);
 
