@@ -173,6 +173,7 @@ void Database::close()
     QSqlDatabase::removeDatabase(m_connection);
     m_connection.clear();
     m_path.clear();
+    m_depth = 0;
 }
 
 bool Database::fail(int number, const QString &detail)
@@ -205,26 +206,57 @@ bool Database::exec(QSqlQuery &query, const QString &sql, const QVariantList &va
     return true;
 }
 
+// Transactions nest: the outermost is a real one, the inner ones savepoints, so that a caller may group several
+// changes (each a transaction of its own) into one.
 bool Database::begin()
 {
-    if (m_db.transaction())
-        return true;
-    m_error = engineError(m_db.lastError());
-    return false;
+    QSqlQuery query(m_db);
+    const bool ok = m_depth == 0 ? m_db.transaction() : query.exec(QStringLiteral("SAVEPOINT vm%1").arg(m_depth));
+    if (!ok) {
+        m_error = engineError(m_depth == 0 ? m_db.lastError() : query.lastError());
+        return false;
+    }
+    ++m_depth;
+    return true;
 }
 
 bool Database::commit()
 {
-    if (m_db.commit())
+    if (m_depth == 0)
+        return fail(ErrEngine, QStringLiteral("nessuna transazione aperta"));
+    QSqlQuery query(m_db);
+    const bool ok = m_depth == 1 ? m_db.commit() : query.exec(QStringLiteral("RELEASE vm%1").arg(m_depth - 1));
+    if (ok) {
+        --m_depth;
         return true;
-    m_error = engineError(m_db.lastError());
-    m_db.rollback();
+    }
+    m_error = engineError(m_depth == 1 ? m_db.lastError() : query.lastError());
+    rollback();
     return false;
 }
 
 void Database::rollback()
 {
-    m_db.rollback();
+    if (m_depth == 0)
+        return;
+    --m_depth;
+    if (m_depth == 0) {
+        m_db.rollback();
+    } else {
+        QSqlQuery query(m_db);
+        query.exec(QStringLiteral("ROLLBACK TO vm%1").arg(m_depth));
+        query.exec(QStringLiteral("RELEASE vm%1").arg(m_depth));
+    }
+}
+
+bool Database::transaction(const std::function<bool()> &work)
+{
+    if (!ready())
+        return false;
+    Transaction t(*this);
+    if (!t.active() || !work())
+        return false;
+    return t.commit();
 }
 
 bool Database::checkIntegrity()
@@ -296,6 +328,43 @@ StoreError Database::create(const QString &path, const QString &password)
     return {};
 }
 
+// Takes the exclusive lock, checks the file's health and identity and brings its schema up to date; on failure
+// m_error says why and nothing has been written.
+OpenOutcome Database::lockAndCheck(const QString &password, int fileVersion)
+{
+    QSqlQuery query(m_db);
+    // The exclusive lock is taken now and kept until close(), not at the first write.
+    if (!exec(query, QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"))
+        || !exec(query, QStringLiteral("BEGIN EXCLUSIVE")))
+        return m_error.number == ErrLocked ? OpenOutcome::Locked : OpenOutcome::Failed;
+    Transaction transaction(*this, Transaction::AlreadyBegun);
+    if (!exec(query, QStringLiteral("PRAGMA quick_check")) || !query.next()
+        || query.value(0).toString() != QLatin1String("ok")) {
+        fail(ErrDamaged, QStringLiteral("archivio danneggiato"));
+        return OpenOutcome::Failed;
+    }
+    if (!exec(query, QStringLiteral("SELECT sale, impronta FROM Firma")) || !query.next()
+        || schema::fingerprint(query.value(0).toString(), password) != query.value(1).toString()) {
+        fail(ErrAccessDenied, QStringLiteral("impronta della password diversa"));
+        return OpenOutcome::AccessDenied;
+    }
+    query.finish();
+    for (int version = fileVersion; version < kSchemaVersion; ++version) {
+        const QStringList steps = schema::migrationFrom(version);
+        if (steps.isEmpty()) {
+            fail(ErrEngine, QStringLiteral("versione %1 non aggiornabile").arg(version));
+            return OpenOutcome::Failed;
+        }
+        for (const QString &sql : steps) {
+            if (!exec(query, sql))
+                return OpenOutcome::Failed;
+        }
+    }
+    if (fileVersion != kSchemaVersion && !exec(query, QStringLiteral("PRAGMA user_version = %1").arg(kSchemaVersion)))
+        return OpenOutcome::Failed;
+    return transaction.commit() ? OpenOutcome::Ok : OpenOutcome::Failed;
+}
+
 OpenResult Database::open(const QString &path, const QString &password)
 {
     close();
@@ -331,47 +400,9 @@ OpenResult Database::open(const QString &path, const QString &password)
         return result(OpenOutcome::Failed, error.number, error.detail);
     }
 
-    QSqlQuery query(m_db);
-    // The exclusive lock is taken now and kept until close(), not at the first write.
-    if (!exec(query, QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"))
-        || !exec(query, QStringLiteral("BEGIN EXCLUSIVE"))) {
-        const StoreError error = m_error;
-        return result(
-            error.number == ErrLocked ? OpenOutcome::Locked : OpenOutcome::Failed, error.number, error.detail);
-    }
-    if (!exec(query, QStringLiteral("PRAGMA quick_check")) || !query.next()
-        || query.value(0).toString() != QLatin1String("ok")) {
-        rollback();
-        return result(OpenOutcome::Failed, ErrDamaged, QStringLiteral("archivio danneggiato"));
-    }
-    if (!exec(query, QStringLiteral("SELECT sale, impronta FROM Firma")) || !query.next()
-        || schema::fingerprint(query.value(0).toString(), password) != query.value(1).toString()) {
-        rollback();
-        return result(OpenOutcome::AccessDenied, ErrAccessDenied, QStringLiteral("impronta della password diversa"));
-    }
-    query.finish();
-
-    for (int version = header->userVersion; version < kSchemaVersion; ++version) {
-        const QStringList steps = schema::migrationFrom(version);
-        bool ok = !steps.isEmpty();
-        for (const QString &sql : steps)
-            ok = ok && exec(query, sql);
-        if (!ok) {
-            const StoreError error = m_error.failed()
-                ? m_error
-                : StoreError { ErrEngine, messageFor(ErrEngine),
-                      QStringLiteral("versione %1 non aggiornabile").arg(version) };
-            rollback();
-            return result(OpenOutcome::Failed, error.number, error.detail);
-        }
-    }
-    if ((header->userVersion != kSchemaVersion
-            && !exec(query, QStringLiteral("PRAGMA user_version = %1").arg(kSchemaVersion)))
-        || !commit()) {
-        const StoreError error = m_error;
-        rollback();
-        return result(OpenOutcome::Failed, error.number, error.detail);
-    }
+    const OpenOutcome outcome = lockAndCheck(password, header->userVersion);
+    if (outcome != OpenOutcome::Ok)
+        return result(outcome, m_error.number, m_error.detail);
     m_path = info.absoluteFilePath();
     m_password = password;
     return result(OpenOutcome::Ok, ErrNone, {});
@@ -389,14 +420,13 @@ StoreError Database::compact()
         fail(ErrEngine, QStringLiteral("impossibile rimuovere %1").arg(temp));
         return m_error;
     }
-    QSqlQuery query(m_db);
-    if (!exec(query, QStringLiteral("VACUUM INTO ?"), { temp })) {
-        const StoreError error = m_error;
-        QFile::remove(temp);
-        return m_error = error;
+    {
+        QSqlQuery query(m_db);
+        if (!exec(query, QStringLiteral("VACUUM INTO ?"), { temp })) {
+            QFile::remove(temp);
+            return m_error;
+        }
     }
-    query.finish();
-
     {
         Database copy;
         const OpenResult opened = copy.open(temp, password);

@@ -4,8 +4,9 @@
 // locking mode. Every statement the program runs against it is one member function here, with bound
 // parameters, so that names holding quotes never break anything and nothing outside store/ writes SQL.
 //
-// Error numbers (shown by the caller as "Errore " + number), kept close to the ones users of the old engine
-// know:
+// Error numbers (shown by the caller as "Errore " + number), numbered as the Jet engine numbers the same
+// failures:
+//   3021  the row to change is not there (a title deleted meanwhile)
 //   3022  a write would duplicate a unique key (index "PrimaryKey" on dossier, "unico" on Gruppi)
 //   3024  the database file does not exist
 //   3031  wrong password, or not a database of this program ("Accesso ai dati non consentito")
@@ -42,6 +43,7 @@ inline constexpr int kSchemaVersion = 2;
 enum ErrorNumber : int {
     ErrNone = 0,
     ErrEngine = 3000,
+    ErrNoRecord = 3021,
     ErrDuplicateKey = 3022,
     ErrFileNotFound = 3024,
     ErrAccessDenied = 3031,
@@ -114,6 +116,10 @@ public:
     // usable whenever the original file is; the error says what went wrong.
     StoreError compact();
 
+    // Runs work as one change: everything it writes stays only if it returns true and the commit succeeds. The
+    // functions below that change several tables may be called inside; a failure of one undoes the whole work.
+    bool transaction(const std::function<bool()> &work);
+
     // The failure of the last call (number ErrNone when it succeeded). Reads that fail return empty results.
     const StoreError &lastError() const { return m_error; }
 
@@ -122,7 +128,7 @@ public:
     std::optional<DossierRow> findTitleBySymbol(const QString &titolo); // index "PrimaryKey"
     std::optional<DossierRow> findTitleById(qint64 idTitolo); // index "IDTitolo"
     std::optional<qint64> insertTitle(const DossierRow &row); // the new IDTitolo
-    bool updateTitle(const DossierRow &row); // every field but the counter
+    bool updateTitle(const DossierRow &row); // every field but the counter; ErrNoRecord when the title is gone
     qint64 countTitles();
     // Deletes the title and all its operations.
     bool deleteTitle(qint64 idTitolo);
@@ -179,7 +185,8 @@ public:
 
     // --- rename: the title's row, its operations and giornata together ---
     // Sets Titolo and descrizione of the title, titolo/ticker of its operations, and tiker/titolo of the rows of
-    // giornata that hold oldSymbol. A symbol held by another title fails with ErrDuplicateKey, changing nothing.
+    // giornata that hold oldSymbol. A symbol held by another title fails with ErrDuplicateKey, a title that is gone
+    // with ErrNoRecord, changing nothing.
     bool renameTitle(qint64 idTitolo, const QString &newSymbol, const QString &newName, const QString &oldSymbol);
 
 private:
@@ -194,12 +201,14 @@ private:
     bool appendOperation(const Operazione &operation, qint64 idDossier);
     bool ready(); // open, with the last error cleared
     bool checkIntegrity();
+    OpenOutcome lockAndCheck(const QString &password, int fileVersion);
 
     QSqlDatabase m_db;
     QString m_connection;
     QString m_path;
     QString m_password;
     StoreError m_error;
+    int m_depth = 0; // open transactions: the outermost real, the others savepoints
 };
 
 } // namespace vm::store

@@ -13,9 +13,10 @@ namespace vm::store {
 class Transaction
 {
 public:
-    explicit Transaction(Database &db)
+    enum Start { Begin, AlreadyBegun };
+    explicit Transaction(Database &db, Start start = Begin)
         : m_db(db)
-        , m_active(db.begin())
+        , m_active(start == AlreadyBegun ? (++db.m_depth, true) : db.begin())
     { }
     ~Transaction()
     {

@@ -18,6 +18,8 @@ struct DossierRow {
     qint64 qta = 0; // shares held
     QDate dataStacco; // last dividend detachment; invalid when none
     double dividendo = 0;
+
+    bool operator==(const DossierRow &) const = default;
 };
 
 // Operation type codes of `Operazioni.tipo`.
@@ -38,6 +40,7 @@ struct Operazione {
     QString note;
 
     double tot() const { return valore * static_cast<double>(qta); }
+    bool operator==(const Operazione &) const = default;
 };
 
 // Table `Storico`: the portfolio's value on a day.

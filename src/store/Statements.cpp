@@ -109,10 +109,7 @@ QList<DossierRow> Database::dossierRows()
 std::optional<DossierRow> Database::findTitleBySymbol(const QString &titolo)
 {
     QSqlQuery q(m_db);
-    if (!ready()
-        || !exec(q,
-            QStringLiteral("SELECT %1 FROM dossier INDEXED BY \"PrimaryKey\" WHERE Titolo = ?").arg(kDossierColumns),
-            { titolo })
+    if (!ready() || !exec(q, QStringLiteral("SELECT %1 FROM dossier WHERE Titolo = ?").arg(kDossierColumns), { titolo })
         || !q.next())
         return std::nullopt;
     return readDossier(q);
@@ -145,11 +142,13 @@ bool Database::updateTitle(const DossierRow &row)
     QSqlQuery q(m_db);
     QVariantList values = dossierValues(row);
     values << row.idTitolo;
-    return ready()
-        && exec(q,
+    if (!ready()
+        || !exec(q,
             QStringLiteral("UPDATE dossier SET Titolo = ?, descrizione = ?, giorno = ?, prezzo = ?, qta = ?,"
                            " DataStacco = ?, Dividendo = ? WHERE IDTitolo = ?"),
-            values);
+            values))
+        return false;
+    return q.numRowsAffected() > 0 || fail(ErrNoRecord, QStringLiteral("titolo %1 non in dossier").arg(row.idTitolo));
 }
 
 qint64 Database::countTitles()
@@ -190,12 +189,7 @@ bool Database::recordOperation(const DossierRow &updatedTitle, const Operazione 
     if (!ready())
         return false;
     Transaction t(*this);
-    QSqlQuery q(m_db);
-    if (!t.active() || !updateTitle(updatedTitle))
-        return false;
-    if (q.exec(QStringLiteral("SELECT changes()")) && q.next() && q.value(0).toLongLong() == 0)
-        return fail(ErrEngine, QStringLiteral("titolo %1 non presente in dossier").arg(updatedTitle.idTitolo));
-    return appendOperation(operation, updatedTitle.idTitolo) && t.commit();
+    return t.active() && updateTitle(updatedTitle) && appendOperation(operation, updatedTitle.idTitolo) && t.commit();
 }
 
 bool Database::recordSaleOfAll(qint64 idTitolo, const Operazione &operation)
@@ -297,8 +291,7 @@ std::optional<StoricoRow> Database::findStoricoByAttuale(double attuale)
     QSqlQuery q(m_db);
     if (!ready()
         || !exec(q,
-            QStringLiteral("SELECT %1 FROM Storico INDEXED BY quota WHERE attuale BETWEEN ? AND ? ORDER BY id")
-                .arg(kStoricoColumns),
+            QStringLiteral("SELECT %1 FROM Storico WHERE attuale BETWEEN ? AND ? ORDER BY id").arg(kStoricoColumns),
             { (target - 1) / 100.0, (target + 1) / 100.0 }))
         return std::nullopt;
     while (q.next()) {
@@ -481,11 +474,14 @@ bool Database::renameTitle(qint64 idTitolo, const QString &newSymbol, const QStr
         return false;
     Transaction t(*this);
     QSqlQuery q(m_db);
-    return t.active()
-        && exec(q, QStringLiteral("UPDATE dossier SET Titolo = ?, descrizione = ? WHERE IDTitolo = ?"),
-            { newSymbol, newName, idTitolo })
-        && exec(q, QStringLiteral("UPDATE Operazioni SET titolo = ?, ticker = ? WHERE IDDossier = ?"),
-            { newName, newSymbol, idTitolo })
+    if (!t.active()
+        || !exec(q, QStringLiteral("UPDATE dossier SET Titolo = ?, descrizione = ? WHERE IDTitolo = ?"),
+            { newSymbol, newName, idTitolo }))
+        return false;
+    if (q.numRowsAffected() == 0)
+        return fail(ErrNoRecord, QStringLiteral("titolo %1 non in dossier").arg(idTitolo));
+    return exec(q, QStringLiteral("UPDATE Operazioni SET titolo = ?, ticker = ? WHERE IDDossier = ?"),
+               { newName, newSymbol, idTitolo })
         && exec(q, QStringLiteral("UPDATE giornata SET tiker = ?, titolo = ? WHERE tiker = ?"),
             { newSymbol, newName, oldSymbol })
         && t.commit();
