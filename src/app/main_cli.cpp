@@ -11,7 +11,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("valorimetrico"));
     QTextStream out(stdout);
     QTextStream err(stderr);
-    vm::cli::Io io { out, err };
+    vm::cli::Io io{out, err};
     const int status = vm::cli::run(QCoreApplication::arguments().mid(1), io);
     out.flush();
     err.flush();
