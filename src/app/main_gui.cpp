@@ -16,11 +16,11 @@ int main(int argc, char *argv[])
 
     QStringList args = QApplication::arguments().mid(1);
     if (args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"))) {
-        QTextStream(stdout) << "Uso: valorimetrico [--cartella DIR]\n\n"
+        QTextStream(stdout) << "Uso: valorimetrico [--cartella DIR] [--schermata FILE]\n\n"
                                "  --cartella DIR  cartella dell'archivio valorimetrico.mdb, delle impostazioni\n"
                                "                  e dei report (predefinita: quella del programma, se contiene\n"
                                "                  l'archivio, altrimenti la cartella dei dati dell'utente)\n"
-                               "  --schermata FILE  salva l'immagine della finestra principale a avvio concluso\n"
+                               "  --schermata FILE  salva l'immagine della finestra principale ad avvio concluso\n"
                                "                  ed esce\n";
         return 0;
     }
