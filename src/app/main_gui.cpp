@@ -8,14 +8,13 @@
 #include <QScreen>
 #include <QTextStream>
 
+#include <string_view>
+
 int main(int argc, char *argv[])
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("valorimetrico"));
-    QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Italy));
-
-    QStringList args = QApplication::arguments().mid(1);
-    if (args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"))) {
+    // Before the application, which needs a display, so that the usage shows anywhere.
+    const std::string_view first = argc > 1 ? argv[1] : "";
+    if (first == "--help" || first == "-h") {
         QTextStream(stdout) << "Uso: valorimetrico [--cartella DIR] [--schermata FILE]\n\n"
                                "  --cartella DIR  cartella dell'archivio valorimetrico.mdb, delle impostazioni\n"
                                "                  e dei report (predefinita: quella del programma, se contiene\n"
@@ -24,6 +23,11 @@ int main(int argc, char *argv[])
                                "                  ed esce\n";
         return 0;
     }
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("valorimetrico"));
+    QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Italy));
+
+    QStringList args = QApplication::arguments().mid(1);
     QString screenshot;
     if (const qsizetype at = args.indexOf(QLatin1String("--schermata")); at >= 0 && at + 1 < args.size()) {
         screenshot = args.at(at + 1);
