@@ -58,60 +58,6 @@ private Q_SLOTS:
     }
     void cleanup() { m_window.reset(); }
 
-    void menus_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("caption");
-        const char *const rows[][2] = {
-            { "m_exit", "&Uscita" },
-            { "m_exit_prog", "&Uscita dal programma" },
-            { "m_dati", "&Dati" },
-            { "m_giornata", "&Quotazioni" },
-            { "m_dossier", "&Dossier titoli" },
-            { "m_archivio_storico", "&Metastock" },
-            { "m_dati_compatta", "Compatta Database" },
-            { "m_strumenti", "&Strumenti" },
-            { "m_strumenti_impostazioni", "&Impostazioni.." },
-            { "m_run_quotaflusso", "Avvio Quotaflusso..." },
-            { "m_help", "&Help" },
-            { "M_ms_web", "Valorimetrico sul Web" },
-            { "m_mc_htm", "Pagina Valorimetrico" },
-            { "M_ms_link", "&Home page Quotaflusso .." },
-            { "m_ms_email", "&Invia una Email.." },
-            { "m_autore", "&Informazioni" },
-            { "m_cn_situazione", "&Situazione" },
-            { "m_cn_modifica", "&Modifica" },
-            { "m_cn_Elimina", "&Elimina" },
-            { "m_cn_annulla", "&Annulla" },
-            { "m_s_sfondo", "&Sfondo" },
-            { "m_s_dati", "&Dati" },
-            { "m_s_testo", "&Testo" },
-        };
-        for (const auto &row : rows)
-            QTest::newRow(row[0]) << QString::fromLatin1(row[0]) << QString::fromLatin1(row[1]);
-    }
-    void menus()
-    {
-        QFETCH(QString, name);
-        QFETCH(QString, caption);
-        auto *a = m_window->findChild<QAction *>(name);
-        QVERIFY(a);
-        QCOMPARE(a->text(), caption);
-    }
-
-    void popupMenus()
-    {
-        const auto colours = m_window->colourMenu()->findChildren<QAction *>(QStringLiteral("m_c"));
-        QCOMPARE(colours.size(), 16);
-        QCOMPARE(colours.first()->text(), QStringLiteral("Black"));
-        QCOMPARE(colours.at(12)->text(), QStringLiteral("Light red"));
-        QCOMPARE(colours.last()->text(), QStringLiteral("White"));
-        QStringList types;
-        for (QAction *a : m_window->historyTypeMenu()->findChildren<QAction *>(QStringLiteral("m_s_x")))
-            types << a->text();
-        QCOMPARE(types, QStringList({ "Barre 3D", "Barre 2D", "Area", "Linea" }));
-    }
-
     // The order counts: views refer to the dossier buttons by position.
     void toolbars_data()
     {
@@ -149,14 +95,6 @@ private Q_SLOTS:
             }
         }
         QVERIFY(!m_window->statusPanel(4)->iconName().isEmpty());
-    }
-
-    void dossierButtonsAtLoad()
-    {
-        for (const char *key : { "anagrafica", "aggiorna", "print" })
-            QVERIFY2(!m_window->button(4, QString::fromLatin1(key))->isEnabled(), key);
-        for (const char *key : { "grafico", "giornata", "spese" })
-            QVERIFY2(!m_window->button(4, QString::fromLatin1(key))->isVisible(), key);
     }
 
     // A command waits for the view it opens; quote-based commands also wait for the archives.
@@ -452,56 +390,6 @@ private Q_SLOTS:
         action("m_run_quotaflusso")->trigger();
         QVERIFY(testing::messages().isEmpty());
         QCOMPARE(testing::startedPrograms(), QList<QStringList> { { program } });
-    }
-
-    void reportOpensBesideTheDatabase()
-    {
-        m_window->button(3, QStringLiteral("crack"))->trigger();
-        QCOMPARE(testing::openedDocuments(), QStringList { m_folder.filePath(QStringLiteral("MstkTestFiles.txt")) });
-    }
-
-    void links_data()
-    {
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<QString>("address");
-        QTest::newRow("page") << "m_mc_htm"
-                              << "https://www.quotaflusso.it/valorimetrico.htm";
-        QTest::newRow("home") << "M_ms_link"
-                              << "https://www.quotaflusso.it";
-        QTest::newRow("mail") << "m_ms_email"
-                              << "mailto:assistenza@quotaflusso.it?subject=Informazioni, notizie, chiarimenti su "
-                                 "Valorimetrico";
-    }
-    void links()
-    {
-        QFETCH(QString, command);
-        QFETCH(QString, address);
-        testing::setLaunchSucceeds(false); // a failure is not reported
-        action(command.toLatin1())->trigger();
-        QCOMPARE(testing::openedDocuments(), QStringList { address });
-        QVERIFY(testing::messages().isEmpty());
-    }
-
-    void readme_data()
-    {
-        QTest::addColumn<bool>("present");
-        QTest::newRow("present") << true;
-        QTest::newRow("missing") << false;
-    }
-    void readme()
-    {
-        QFETCH(bool, present);
-        const QString pdf = m_folder.filePath(QStringLiteral("valorimetrico_info.pdf"));
-        if (present)
-            QFile(pdf).open(QIODevice::WriteOnly);
-        else
-            QFile::remove(pdf);
-        action("m_leggimi")->trigger();
-        QCOMPARE(testing::openedDocuments(), present ? QStringList { pdf } : QStringList {});
-        QCOMPARE(onlyMessage(),
-            present ? QStringLiteral("0 messages")
-                    : QStringLiteral("File non trovato|File valorimetrico_info.pdf non trovato, "
-                                     "oppure Acrobat Reader non installato."));
     }
 
     void testRunsTheFolderCheck()

@@ -114,12 +114,6 @@ private Q_SLOTS:
             QCOMPARE(text1(f)->selectedText(), before);
         }
     }
-
-    void oneWindowOnly()
-    {
-        Form12 *first = open();
-        QCOMPARE(open(), first);
-    }
 };
 
 QTEST_MAIN(TestTools)
