@@ -103,12 +103,17 @@ StatusPanel::StatusPanel(int widthPx, QWidget *parent)
 
 void StatusPanel::setText(const QString &text)
 {
-    m_text->setText(text);
+    m_fullText = text;
+    // A fixed-width panel cuts a long text with an ellipsis and shows the whole of it on hover.
+    const int room = maximumWidth() < QWIDGETSIZE_MAX ? maximumWidth() - 8 - (m_image->isVisible() ? 20 : 0) : 0;
+    const bool cut = room > 0 && m_text->fontMetrics().horizontalAdvance(text) > room;
+    m_text->setText(cut ? m_text->fontMetrics().elidedText(text, Qt::ElideRight, room) : text);
+    m_text->setToolTip(cut ? text : QString());
 }
 
 QString StatusPanel::text() const
 {
-    return m_text->text();
+    return m_fullText;
 }
 
 void StatusPanel::setIcon(const QIcon &icon, const QString &iconName)

@@ -193,6 +193,7 @@ protected:
 private:
     QLabel *m_image;
     QLabel *m_text;
+    QString m_fullText;
     QString m_iconName;
 };
 

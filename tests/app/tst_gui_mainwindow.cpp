@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QFile>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSignalSpy>
@@ -174,6 +175,22 @@ private Q_SLOTS:
         m_window->VaiDossierTitoli();
         QCOMPARE(prompted, 1);
         QCOMPARE(opened, 1);
+    }
+
+    // A text longer than its fixed-width panel is cut on screen, whole in the tool tip.
+    void longStatusText()
+    {
+        const QString text = QStringLiteral("Archivi Metastock verificati, nessun errore. ").repeated(2);
+        vm::StatusPanel *panel = m_window->statusPanel(2);
+        panel->setText(text);
+        QCOMPARE(panel->text(), text);
+        const auto *shown = panel->findChildren<QLabel *>().last();
+        QVERIFY(shown->text().endsWith(QChar(0x2026)));
+        QVERIFY(shown->fontMetrics().horizontalAdvance(shown->text()) <= panel->width());
+        QCOMPARE(shown->toolTip(), text);
+        panel->setText(QStringLiteral("Pronto"));
+        QCOMPARE(shown->text(), QStringLiteral("Pronto"));
+        QCOMPARE(shown->toolTip(), QString());
     }
 
     void protectionPanel_data()
