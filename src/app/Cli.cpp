@@ -1,6 +1,9 @@
 #include "app/Cli.h"
 
 #include "app/AppInfo.h"
+#include "app/CliCheck.h"
+#include "metastock/CliMetastock.h"
+#include "store/StoreCli.h"
 
 #include <iterator>
 
@@ -10,7 +13,10 @@ namespace {
 
 // Each subsystem registers its commands here, in the order --help lists them.
 const CommandInfo kCommands[] = {
-    { "", "", nullptr }, // keeps the table non-empty while no command is registered
+    { "titoli", "elenca i titoli di una cartella MetaStock", vm::metastock::cmdTitoli },
+    { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
+    { "crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio },
+    { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
 };
 
 void printHelp(QTextStream &out)

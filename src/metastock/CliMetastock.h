@@ -1,0 +1,17 @@
+#pragma once
+
+#include "app/Cli.h"
+
+namespace vm::metastock {
+
+// valorimetrico-cli titoli CARTELLA [--csv]
+int cmdTitoli(const QStringList &args, vm::cli::Io &io);
+// valorimetrico-cli quotazioni CARTELLA SIMBOLO [--csv]
+int cmdQuotazioni(const QStringList &args, vm::cli::Io &io);
+
+// The shortest text with a decimal point that reads back as the same single.
+QString testoFloatCsv(float valore);
+// A CSV field as RFC 4180 wants it: quoted when it holds a comma, a quote or a line break.
+QString campoCsv(const QString &testo);
+
+} // namespace vm::metastock

@@ -1,0 +1,424 @@
+#include "store/Database.h"
+
+#include "store/Internal.h"
+#include "store/Schema.h"
+
+#include <QAtomicInteger>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTemporaryFile>
+
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace vm::store {
+
+namespace {
+
+// SQLite result codes the open and the writes tell apart.
+constexpr int kSqliteBusy = 5;
+constexpr int kSqliteLocked = 6;
+constexpr int kSqliteCorrupt = 11;
+constexpr int kSqliteConstraint = 19;
+constexpr int kSqliteNotADb = 26;
+constexpr int kSqliteConstraintUnique = 2067;
+
+constexpr int kHeaderSize = 100;
+constexpr int kUserVersionOffset = 60;
+constexpr int kApplicationIdOffset = 68;
+
+QString newConnectionName()
+{
+    static QAtomicInteger<int> counter;
+    return QStringLiteral("vm-store-%1").arg(counter.fetchAndAddRelaxed(1));
+}
+
+quint32 bigEndian32(const QByteArray &bytes, int offset)
+{
+    const auto *p = reinterpret_cast<const unsigned char *>(bytes.constData()) + offset;
+    return (quint32(p[0]) << 24) | (quint32(p[1]) << 16) | (quint32(p[2]) << 8) | quint32(p[3]);
+}
+
+int nativeCode(const QSqlError &error)
+{
+    bool ok = false;
+    const int code = error.nativeErrorCode().toInt(&ok);
+    return ok ? code : 0;
+}
+
+int errorNumberFor(const QSqlError &error)
+{
+    const int code = nativeCode(error);
+    if (code == kSqliteConstraintUnique
+        || ((code & 0xff) == kSqliteConstraint && error.databaseText().contains(QLatin1String("UNIQUE"))))
+        return ErrDuplicateKey;
+    switch (code & 0xff) {
+    case kSqliteBusy:
+    case kSqliteLocked:
+        return ErrLocked;
+    case kSqliteCorrupt:
+    case kSqliteNotADb:
+        return ErrDamaged;
+    default:
+        return ErrEngine;
+    }
+}
+
+QString messageFor(int number)
+{
+    switch (number) {
+    case ErrAccessDenied:
+        return QString::fromUtf8(kAccessDeniedMessage);
+    case ErrLocked:
+        return QStringLiteral("L'archivio dati è già aperto da un'altra copia di Valorimetrico.");
+    case ErrDuplicateKey:
+        return QStringLiteral("Il valore è già presente in archivio.");
+    default:
+        return QStringLiteral("Errore %1").arg(number);
+    }
+}
+
+// What the first page says about a file, read before the engine touches it, so that a file of another program
+// or of another kind is refused without ever being opened for writing.
+struct Header {
+    bool sqlite = false;
+    quint32 applicationId = 0;
+    int userVersion = 0;
+};
+
+std::optional<Header> readHeader(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray head = file.read(kHeaderSize);
+    Header header;
+    header.sqlite = head.size() == kHeaderSize && head.startsWith(QByteArrayLiteral("SQLite format 3\0"));
+    if (header.sqlite) {
+        header.applicationId = bigEndian32(head, kApplicationIdOffset);
+        header.userVersion = static_cast<int>(bigEndian32(head, kUserVersionOffset));
+    }
+    return header;
+}
+
+// Flushes a file or a folder to the disk, so that a rename that follows cannot overtake the data.
+bool syncPath(const QString &path)
+{
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool ok = ::fsync(fd) == 0;
+    ::close(fd);
+    return ok;
+}
+
+// A connection of its own for create(): the created file is never the one a Database holds.
+class ScratchConnection
+{
+public:
+    explicit ScratchConnection(const QString &path)
+        : m_name(newConnectionName())
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        db.setDatabaseName(path);
+        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
+        m_open = db.open();
+    }
+    ~ScratchConnection()
+    {
+        {
+            QSqlDatabase db = QSqlDatabase::database(m_name, false);
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(m_name);
+    }
+    bool isOpen() const { return m_open; }
+    QSqlDatabase db() const { return QSqlDatabase::database(m_name, false); }
+
+private:
+    QString m_name;
+    bool m_open = false;
+};
+
+StoreError engineError(const QSqlError &error)
+{
+    const int number = errorNumberFor(error);
+    return { number, messageFor(number), error.text() };
+}
+
+} // namespace
+
+Database::Database() = default;
+
+Database::~Database()
+{
+    close();
+}
+
+bool Database::isOpen() const
+{
+    return m_db.isValid() && m_db.isOpen();
+}
+
+void Database::close()
+{
+    if (m_connection.isEmpty())
+        return;
+    m_db.close();
+    m_db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(m_connection);
+    m_connection.clear();
+    m_path.clear();
+}
+
+bool Database::fail(int number, const QString &detail)
+{
+    m_error = { number, messageFor(number), detail };
+    return false;
+}
+
+bool Database::ready()
+{
+    m_error = {};
+    if (isOpen())
+        return true;
+    return fail(ErrEngine, QStringLiteral("archivio dati non aperto"));
+}
+
+bool Database::exec(QSqlQuery &query, const QString &sql, const QVariantList &values)
+{
+    query.setForwardOnly(true);
+    if (!query.prepare(sql)) {
+        m_error = engineError(query.lastError());
+        return false;
+    }
+    for (const QVariant &value : values)
+        query.addBindValue(value);
+    if (!query.exec()) {
+        m_error = engineError(query.lastError());
+        return false;
+    }
+    return true;
+}
+
+bool Database::begin()
+{
+    if (m_db.transaction())
+        return true;
+    m_error = engineError(m_db.lastError());
+    return false;
+}
+
+bool Database::commit()
+{
+    if (m_db.commit())
+        return true;
+    m_error = engineError(m_db.lastError());
+    m_db.rollback();
+    return false;
+}
+
+void Database::rollback()
+{
+    m_db.rollback();
+}
+
+bool Database::checkIntegrity()
+{
+    QSqlQuery query(m_db);
+    if (!exec(query, QStringLiteral("PRAGMA integrity_check")))
+        return false;
+    if (query.next() && query.value(0).toString() == QLatin1String("ok") && !query.next())
+        return true;
+    return fail(ErrDamaged, QStringLiteral("controllo di integrità non superato"));
+}
+
+StoreError Database::create(const QString &path, const QString &password)
+{
+    const auto refused = [](int number, const QString &detail) {
+        return StoreError { number, messageFor(number), detail };
+    };
+    const QFileInfo target(path);
+    if (target.exists() || target.isSymLink())
+        return refused(ErrAlreadyExists, QStringLiteral("il file %1 esiste già").arg(path));
+    if (!target.dir().exists())
+        return refused(ErrFileNotFound, QStringLiteral("la cartella %1 non esiste").arg(target.absolutePath()));
+
+    // Built under a temporary name and renamed into place: a half-made database never carries the real name.
+    QTemporaryFile scratch(target.dir().filePath(QStringLiteral(".valorimetrico-XXXXXX.nuovo")));
+    if (!scratch.open())
+        return refused(ErrReadOnly, scratch.errorString());
+    const QString scratchPath = scratch.fileName();
+    scratch.close();
+
+    {
+        ScratchConnection connection(scratchPath);
+        QSqlDatabase db = connection.db();
+        if (!connection.isOpen())
+            return engineError(db.lastError());
+        if (!db.transaction())
+            return engineError(db.lastError());
+        QStringList statements = schema::version1();
+        for (int version = 1; version < kSchemaVersion; ++version)
+            statements += schema::migrationFrom(version);
+        statements << QStringLiteral("PRAGMA application_id = %1").arg(kApplicationId)
+                   << QStringLiteral("PRAGMA user_version = %1").arg(kSchemaVersion);
+        QSqlQuery query(db);
+        for (const QString &sql : std::as_const(statements)) {
+            if (!query.exec(sql)) {
+                const StoreError error = engineError(query.lastError());
+                db.rollback();
+                return error;
+            }
+        }
+        const QString salt = schema::newSalt();
+        query.prepare(QStringLiteral("INSERT INTO Firma (sale, impronta) VALUES (?, ?)"));
+        query.addBindValue(salt);
+        query.addBindValue(schema::fingerprint(salt, password));
+        if (!query.exec() || !db.commit()) {
+            const StoreError error = engineError(query.lastError().isValid() ? query.lastError() : db.lastError());
+            db.rollback();
+            return error;
+        }
+    }
+    if (!syncPath(scratchPath))
+        return refused(ErrEngine, QStringLiteral("scrittura su disco non riuscita"));
+    // QFile::rename never replaces an existing file, so a database made meanwhile by someone else survives.
+    if (!QFile::rename(scratchPath, path)) {
+        const int number = QFileInfo::exists(path) ? ErrAlreadyExists : ErrEngine;
+        return refused(number, QStringLiteral("impossibile creare %1").arg(path));
+    }
+    syncPath(target.absolutePath());
+    return {};
+}
+
+OpenResult Database::open(const QString &path, const QString &password)
+{
+    close();
+    m_error = {};
+    const auto result = [this](OpenOutcome outcome, int number, const QString &detail) {
+        m_error = { number, messageFor(number), detail };
+        if (outcome != OpenOutcome::Ok)
+            close();
+        return OpenResult { outcome, m_error };
+    };
+
+    const QFileInfo info(path);
+    if (!info.exists() || !info.isFile())
+        return result(OpenOutcome::Failed, ErrFileNotFound, QStringLiteral("%1 non trovato").arg(path));
+    const std::optional<Header> header = readHeader(path);
+    if (!header)
+        return result(OpenOutcome::Failed, ErrReadOnly, QStringLiteral("%1 non leggibile").arg(path));
+    if (!header->sqlite || header->applicationId != static_cast<quint32>(kApplicationId))
+        return result(OpenOutcome::AccessDenied, ErrAccessDenied, QStringLiteral("non è un archivio di Valorimetrico"));
+    if (header->userVersion > kSchemaVersion)
+        return result(OpenOutcome::Failed, ErrNewerVersion,
+            QStringLiteral("archivio di una versione successiva (%1)").arg(header->userVersion));
+    if (!info.isWritable())
+        return result(OpenOutcome::Failed, ErrReadOnly, QStringLiteral("%1 in sola lettura").arg(path));
+
+    m_connection = newConnectionName();
+    m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+    m_db.setDatabaseName(path);
+    // No waiting: a database held by another copy of the program stays held for that copy's whole run.
+    m_db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
+    if (!m_db.open()) {
+        const StoreError error = engineError(m_db.lastError());
+        return result(OpenOutcome::Failed, error.number, error.detail);
+    }
+
+    QSqlQuery query(m_db);
+    // The exclusive lock is taken now and kept until close(), not at the first write.
+    if (!exec(query, QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"))
+        || !exec(query, QStringLiteral("BEGIN EXCLUSIVE"))) {
+        const StoreError error = m_error;
+        return result(
+            error.number == ErrLocked ? OpenOutcome::Locked : OpenOutcome::Failed, error.number, error.detail);
+    }
+    if (!exec(query, QStringLiteral("PRAGMA quick_check")) || !query.next()
+        || query.value(0).toString() != QLatin1String("ok")) {
+        rollback();
+        return result(OpenOutcome::Failed, ErrDamaged, QStringLiteral("archivio danneggiato"));
+    }
+    if (!exec(query, QStringLiteral("SELECT sale, impronta FROM Firma")) || !query.next()
+        || schema::fingerprint(query.value(0).toString(), password) != query.value(1).toString()) {
+        rollback();
+        return result(OpenOutcome::AccessDenied, ErrAccessDenied, QStringLiteral("impronta della password diversa"));
+    }
+    query.finish();
+
+    for (int version = header->userVersion; version < kSchemaVersion; ++version) {
+        const QStringList steps = schema::migrationFrom(version);
+        bool ok = !steps.isEmpty();
+        for (const QString &sql : steps)
+            ok = ok && exec(query, sql);
+        if (!ok) {
+            const StoreError error = m_error.failed()
+                ? m_error
+                : StoreError { ErrEngine, messageFor(ErrEngine),
+                      QStringLiteral("versione %1 non aggiornabile").arg(version) };
+            rollback();
+            return result(OpenOutcome::Failed, error.number, error.detail);
+        }
+    }
+    if ((header->userVersion != kSchemaVersion
+            && !exec(query, QStringLiteral("PRAGMA user_version = %1").arg(kSchemaVersion)))
+        || !commit()) {
+        const StoreError error = m_error;
+        rollback();
+        return result(OpenOutcome::Failed, error.number, error.detail);
+    }
+    m_path = info.absoluteFilePath();
+    m_password = password;
+    return result(OpenOutcome::Ok, ErrNone, {});
+}
+
+StoreError Database::compact()
+{
+    if (!ready())
+        return m_error;
+    const QString original = m_path;
+    const QString password = m_password;
+    const QString temp = QFileInfo(original).dir().filePath(QString::fromLatin1(kCompactionFileName));
+
+    if (QFileInfo::exists(temp) && !QFile::remove(temp)) {
+        fail(ErrEngine, QStringLiteral("impossibile rimuovere %1").arg(temp));
+        return m_error;
+    }
+    QSqlQuery query(m_db);
+    if (!exec(query, QStringLiteral("VACUUM INTO ?"), { temp })) {
+        const StoreError error = m_error;
+        QFile::remove(temp);
+        return m_error = error;
+    }
+    query.finish();
+
+    {
+        Database copy;
+        const OpenResult opened = copy.open(temp, password);
+        if (!opened.ok() || !copy.checkIntegrity()) {
+            const StoreError error = opened.ok() ? copy.lastError() : opened.error;
+            copy.close();
+            QFile::remove(temp);
+            return m_error = error;
+        }
+    }
+    // The copy replaces the original in one rename, made while the original is still held, so that no other
+    // copy of the program slips in between and no moment exists without a complete database under the name.
+    if (!syncPath(temp)
+        || std::rename(QFile::encodeName(temp).constData(), QFile::encodeName(original).constData()) != 0) {
+        QFile::remove(temp);
+        fail(ErrEngine, QStringLiteral("impossibile sostituire %1").arg(original));
+        return m_error;
+    }
+    syncPath(QFileInfo(original).absolutePath());
+    close();
+    const OpenResult reopened = open(original, password);
+    return reopened.ok() ? StoreError {} : reopened.error;
+}
+
+} // namespace vm::store
