@@ -24,6 +24,10 @@ QLocale italianLocale();
 // away from zero. Negative values get a leading "-", unless they round to zero. A value that is not a
 // number or is infinite is shown as "n.d.".
 QString formatPattern(double value, QStringView pattern);
+inline QString formatPattern(double value, const char *pattern)
+{
+    return formatPattern(value, QString::fromUtf8(pattern));
+}
 
 // Reads a number as a user types it: blanks around it are ignored, an optional sign, digits grouped
 // by "." in threes ("12.345") or not grouped at all, an optional "," followed by decimals ("2,5", ",5",
@@ -33,6 +37,10 @@ std::optional<double> parseNumber(QStringView text);
 // Renders a date with "d", "dd", "m", "mm", "yy", "yyyy" (month, not minutes, as the program's patterns
 // mean it); other characters are copied. An invalid date gives an empty text.
 QString formatDate(QDate date, QStringView pattern);
+inline QString formatDate(QDate date, const char *pattern)
+{
+    return formatDate(date, QString::fromUtf8(pattern));
+}
 
 // Reads "dd/mm/yy" or "dd/mm/yyyy" (one-digit day and month are accepted, blanks around are ignored).
 // Two-digit years 00-29 are 2000-2029, 30-99 are 1930-1999. Anything else gives an invalid QDate.
