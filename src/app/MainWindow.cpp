@@ -2,9 +2,10 @@
 
 #include "app/AppInfo.h"
 #include "app/MessageBox.h"
+#include "app/ProgramFolder.h"
 #include "app/ProgramState.h"
 #include "app/ProgressBar.h"
-#include "app/ShellSettings.h"
+#include "app/Settings.h"
 #include "auxiliary/Form135.h"
 
 #include <QAction>
@@ -34,8 +35,6 @@ namespace vm {
 namespace {
 
 QPointer<MainWindow> g_mainWindow;
-
-const char *const kQuotaflussoDefault = "C:\\Programmi\\Quotaflusso\\quotaflusso.exe";
 
 // Twips as the window's measures are given, at 15 twips to a logical pixel.
 constexpr int px(int twips)
@@ -69,7 +68,7 @@ void ensureIconTheme()
 QIcon colourSwatch(int index)
 {
     QPixmap pixmap(16, 16);
-    pixmap.fill(QColor::fromRgb(shell::classicColour(index)));
+    pixmap.fill(QColor::fromRgb(consoleColourRgb(index).value_or(0xff000000)));
     return QIcon(pixmap);
 }
 
@@ -176,7 +175,7 @@ QComboBox *MainWindow::addTitleSelector(QToolBar *bar, const QString &name, std:
 {
     auto *combo = new QComboBox(bar);
     combo->setObjectName(name);
-    combo->setMinimumContentsLength(24);
+    combo->setMinimumContentsLength(16);
     bar->addWidget(combo);
     // The tag "X" marks a change made by the program itself, which the handler lets pass.
     connect(combo, &QComboBox::currentIndexChanged, this, [combo, onUserChoice = std::move(onUserChoice)](int index) {
@@ -404,7 +403,7 @@ void MainWindow::buildPopupMenus()
 
     m_colourMenu = popup(QStringLiteral("m_colori"), QString());
     for (int i = 0; i < 16; ++i) {
-        QAction *a = addCommand(m_colourMenu, QStringLiteral("m_c"), shell::classicColourName(i));
+        QAction *a = addCommand(m_colourMenu, QStringLiteral("m_c"), QString::fromLatin1(kConsoleColours[i].name));
         a->setData(i);
         a->setIcon(colourSwatch(i));
         connect(a, &QAction::triggered, this, [this, i] { chooseColour(i); });
@@ -513,10 +512,11 @@ void MainWindow::buildToolbars()
         VerificaDirMS();
     });
     connect(key(t3, "crack", "Report verifica archivi", "text-x-generic"), &QAction::triggered, this,
-        [] { ui::openDocument(programFile(QStringLiteral("MstkTestFiles.txt"))); });
+        [] { ui::openDocument(programFile(QString::fromLatin1(kCheckReportFileName))); });
 
     // Dossier commands; their order counts: the views refer to buttons 5, 6, 7 and 9 to 11.
     // "anagrafica", "aggiorna" and "print" (5 to 7) follow the overview's state, not only their hooks.
+    addToolBarBreak(); // the dossier and chart commands, with their title selectors, on a second row
     QToolBar *t4 = bar(4);
     connect(key(t4, "sx", "Titolo precedente", "go-previous"), &QAction::triggered, this,
         [this] { stepTitle(m_combo2, -1); });
@@ -575,23 +575,24 @@ void MainWindow::buildToolbars()
         return m;
     };
     // A checked choice per menu, written to its key of the quote board's chart at once.
-    auto choiceMenu = [&](const char *name, const char *tip, const char *icon, const QString &settingKey,
-                          std::initializer_list<std::pair<const char *, int>> items, const char *defaultValue) {
+    auto choiceMenu = [&](const char *name, const char *tip, const char *icon, const IniKey &setting,
+                          std::initializer_list<std::pair<const char *, int>> items) {
         QMenu *m = buttonMenu(name, tip, icon);
         auto *group = new QActionGroup(m);
-        const int saved
-            = shell::readSetting(QStringLiteral("Grafico"), settingKey, QString::fromLatin1(defaultValue)).toInt();
+        const qint16 saved = readSettingInt16(state().FileIni, setting).value;
         for (const auto &[itemName, value] : items) {
             QAction *a = addCommand(m, QString::fromLatin1(itemName), QString::fromLatin1(itemName));
             a->setCheckable(true);
             a->setChecked(value == saved);
             group->addAction(a);
-            connect(a, &QAction::triggered, this,
-                [this, settingKey, value = value] { setQuoteChartSetting(settingKey, value); });
+            connect(a, &QAction::triggered, this, [this, setting, value = value] {
+                writeSetting(state().FileIni, setting, value);
+                Q_EMIT quoteChartSettingsChanged();
+            });
         }
     };
-    choiceMenu("tipografico", "Tipo di grafico", "x-office-presentation", QStringLiteral("Tipo"),
-        { { "hlc", 1 }, { "linea", 2 }, { "area", 3 } }, "1");
+    choiceMenu("tipografico", "Tipo di grafico", "x-office-presentation", settings::GraficoTipo,
+        { { "hlc", 1 }, { "linea", 2 }, { "area", 3 } });
 
     QMenu *colours = buttonMenu("colori", "Colori del grafico", "preferences-desktop-theme");
     const std::pair<const char *, const char *> colourItems[] = { { "dati", "D" }, { "sfondo", "S" }, { "assi", "A" } };
@@ -601,8 +602,8 @@ void MainWindow::buildToolbars()
             [this, e] { popUpColours(QStringLiteral("G"), e); });
     }
 
-    choiceMenu("griglie", "Griglie del grafico", "format-justify-fill", QStringLiteral("Griglie"),
-        { { "orizzontali", 1 }, { "vericali", 2 }, { "tutte", 3 }, { "nessuna", 0 } }, "1");
+    choiceMenu("griglie", "Griglie del grafico", "format-justify-fill", settings::GraficoGriglie,
+        { { "orizzontali", 1 }, { "vericali", 2 }, { "tutte", 3 }, { "nessuna", 0 } });
 
     m_combo1 = addTitleSelector(t5, QStringLiteral("Combo1"), [this](int index) { Q_EMIT quoteTitleChosen(index); });
 
@@ -706,31 +707,20 @@ void MainWindow::popUpColours(const QString &chart, const QString &element)
 
 void MainWindow::chooseColour(int index)
 {
-    const bool history = m_colourChart == QLatin1String("S");
-    const QString key = m_colourElement == QLatin1String("D") ? QStringLiteral("Dati")
-        : m_colourElement == QLatin1String("S")               ? QStringLiteral("Sfondo")
-        : m_colourElement == QLatin1String("A")               ? QStringLiteral("Assi")
-                                                              : QString();
-    if (key.isEmpty())
+    const std::optional<IniKey> key = colourKey(m_colourChart, m_colourElement);
+    if (!key)
         return;
-    shell::writeSetting(
-        history ? QStringLiteral("GraficoStorico") : QStringLiteral("Grafico"), key, QString::number(index));
-    if (history)
+    writeSetting(state().FileIni, *key, index);
+    if (m_colourChart == QLatin1String("S"))
         Q_EMIT historyChartSettingsChanged();
     else
         Q_EMIT quoteChartSettingsChanged();
 }
 
-void MainWindow::setQuoteChartSetting(const QString &key, int value)
-{
-    shell::writeSetting(QStringLiteral("Grafico"), key, QString::number(value));
-    Q_EMIT quoteChartSettingsChanged();
-}
-
 void MainWindow::setHistoryChartType(int item)
 {
     static const int codes[] = { 4, 3, 8, 6 };
-    shell::writeSetting(QStringLiteral("GraficoStorico"), QStringLiteral("Tipo"), QString::number(codes[item]));
+    writeSetting(state().FileIni, settings::GraficoStoricoTipo, codes[item]);
     Q_EMIT historyChartSettingsChanged();
 }
 
@@ -766,8 +756,7 @@ void MainWindow::startCalculator()
 
 void MainWindow::startCompanion()
 {
-    const QString path = shell::readSetting(
-        QStringLiteral("Strumenti"), QStringLiteral("Quotaflusso"), QString::fromLatin1(kQuotaflussoDefault));
+    const QString path = readSetting(state().FileIni, settings::StrumentiQuotaflusso);
     if (!QFileInfo(path).isFile() || !ui::startProgram(path))
         ui::message(
             this, QStringLiteral("File non trovato."), QStringLiteral("Avvia Quotaflusso"), ui::Icon::Exclamation);

@@ -136,7 +136,6 @@ private:
     void run(Hook hook);
     void showView(Hook hook, const QString &viewName);
     void chooseColour(int index);
-    void setQuoteChartSetting(const QString &key, int value);
     void setHistoryChartType(int item);
     void popUpColours(const QString &chart, const QString &element);
     void stepTitle(QComboBox *combo, int step);

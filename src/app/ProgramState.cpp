@@ -1,5 +1,7 @@
 #include "app/ProgramState.h"
 
+#include "app/ProgramFolder.h"
+
 #include <QDir>
 
 namespace vm {
@@ -18,7 +20,7 @@ QString programFile(const QString &name)
 void setProgramFolder(const QString &folder)
 {
     state().programFolder = QDir::cleanPath(QDir(folder).absolutePath());
-    state().FileIni = programFile(QStringLiteral("valorimetrico.ini"));
+    state().FileIni = programFile(QString::fromLatin1(kSettingsFileName));
 }
 
 } // namespace vm

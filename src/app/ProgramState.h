@@ -2,6 +2,10 @@
 
 #include <QString>
 
+namespace vm::store {
+class Database;
+}
+
 namespace vm {
 
 // What the whole program shares while it runs, set up by the start-up sequence before the first
@@ -13,6 +17,7 @@ struct ProgramState {
     bool DossierProtetto = false; // a dossier password is stored and not yet answered
     bool ArchiviCompatibili = false; // the last folder check passed; false until one has run
     int AttributiMaster = 0; // attributes of the last directory file examined
+    store::Database *DbDossier = nullptr; // the database, open for the whole run
 };
 
 ProgramState &state();

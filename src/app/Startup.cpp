@@ -3,7 +3,8 @@
 #include "app/MainWindow.h"
 #include "app/MessageBox.h"
 #include "app/ProgramState.h"
-#include "app/ShellSettings.h"
+#include "app/Settings.h"
+#include "app/Views.h"
 #include "auxiliary/Form135.h"
 
 #include <QApplication>
@@ -28,6 +29,8 @@ Startup::Startup(StartupEnvironment environment)
 
 Startup::~Startup()
 {
+    if (state().DbDossier == &m_database)
+        state().DbDossier = nullptr;
     // A splash loaded before the main window existed has no owner to go with.
     if (aux::Form135 *splash = aux::Form135::instance(); splash && !splash->parent())
         delete splash;
@@ -44,13 +47,12 @@ bool Startup::regionalSettingsItalian(const QLocale &locale)
     return text.size() > 1 && text.at(1) == QLatin1Char(',');
 }
 
-std::optional<double> Startup::splashValue(const QString &text)
+QString Startup::errorText(const store::StoreError &error)
 {
-    bool ok = false;
-    const double value = QLocale::c().toDouble(text.trimmed(), &ok);
-    if (ok)
-        return value;
-    return std::nullopt;
+    QString text = QStringLiteral("Errore ") + QString::number(error.number);
+    if (!error.message.isEmpty() && error.message != text)
+        text += QLatin1Char('\n') + error.message;
+    return text;
 }
 
 bool Startup::fail(const QString &text, const QString &title)
@@ -63,8 +65,16 @@ bool Startup::fail(const QString &text, const QString &title)
 
 void Startup::showMainWindow()
 {
-    state().DossierProtetto = m_env.dossierProtected ? m_env.dossierProtected() : false;
+    state().DossierProtetto = m_database.isDossierProtected();
     m_mainWindow = std::make_unique<MainWindow>();
+    m_mainWindow->setCompactor([this]() -> std::optional<QString> {
+        const store::StoreError error = m_database.compact();
+        return error.failed() ? std::optional<QString>(errorText(error)) : std::nullopt;
+    });
+    if (m_env.prepareMainWindow)
+        m_env.prepareMainWindow(*m_mainWindow, m_database);
+    else
+        installViews(*m_mainWindow, m_database);
     // A splash loaded earlier becomes an owned window of the frame, so that it stays above it.
     if (aux::Form135 *splash = aux::Form135::instance(); splash && !splash->parent())
         splash->setParent(m_mainWindow.get(), splash->windowFlags());
@@ -88,7 +98,7 @@ bool Startup::Main()
 
     // 2. Database present.
     setProgramFolder(m_env.programFolder);
-    const QString database = programFile(QStringLiteral("valorimetrico.mdb"));
+    const QString database = programFile(QString::fromLatin1(store::kDatabaseFileName));
     if (!QFileInfo(database).isFile()) {
         restorePointer();
         ui::beep();
@@ -103,24 +113,20 @@ bool Startup::Main()
         aux::Form135::load()->setTag(QString());
 
     // 4-5. From the database open on, a failure is reported with its number.
-    const DatabaseOpening opening = m_env.openDatabase ? m_env.openDatabase(database) : DatabaseOpening {};
-    if (opening.outcome == DatabaseOpening::WrongPassword)
-        return fail(QStringLiteral("Accesso ai dati non consentito"), QStringLiteral("Password non esatta"));
-    if (opening.outcome == DatabaseOpening::Failed) {
-        QString text = QStringLiteral("Errore ") + QString::number(opening.errorNumber);
-        if (!opening.detail.isEmpty())
-            text += QStringLiteral("\n") + opening.detail;
-        return fail(text);
-    }
+    const store::OpenResult opening = m_database.open(database);
+    if (opening.outcome == store::OpenOutcome::AccessDenied)
+        return fail(QString::fromUtf8(store::kAccessDeniedMessage), QString::fromUtf8(store::kAccessDeniedTitle));
+    if (!opening.ok())
+        return fail(errorText(opening.error));
+    state().DbDossier = &m_database;
 
     // 6. Splash setting.
-    const std::optional<double> splash
-        = splashValue(shell::readSetting(QStringLiteral("Opzioni"), QStringLiteral("Splash"), QStringLiteral("1")));
-    if (!splash)
-        return fail(QStringLiteral("Errore ") + QString::number(kTypeMismatch));
+    const Converted<bool> splash = readSplash(state().FileIni);
+    if (!splash.ok())
+        return fail(QStringLiteral("Errore ") + QString::number(splash.error));
 
     // 7. Main window, with or without the splash; the folder check runs now or when the splash closes.
-    if (*splash != 1) {
+    if (!splash.value) {
         showMainWindow();
         m_mainWindow->showProgressPanel(true);
         m_mainWindow->VerificaDirMS();

@@ -7,27 +7,20 @@
 #include <memory>
 #include <optional>
 
+#include "store/Database.h"
+
 namespace vm {
 
 class MainWindow;
-
-// How opening the database went.
-struct DatabaseOpening {
-    enum Outcome { Opened, WrongPassword, Failed };
-    Outcome outcome = Opened;
-    int errorNumber = 0; // for Failed: shown as "Errore " + number
-    QString detail; // for Failed: a sentence for the user, when there is one
-};
 
 // What the start-up reads from the world, so that tests can set each part of it.
 struct StartupEnvironment {
     int screenWidth = 1024; // logical pixels
     QString programFolder; // holds the database, the settings file and the reports
     QLocale systemLocale = QLocale::system();
-    // Opens the database file for the whole run.
-    std::function<DatabaseOpening(const QString &databasePath)> openDatabase;
-    // Whether a dossier password is stored (read once the database is open).
-    std::function<bool()> dossierProtected;
+    // Plugs the views, the folder check and the password windows into the new main window,
+    // before it is shown; installViews() when not set.
+    std::function<void(MainWindow &, store::Database &)> prepareMainWindow;
 };
 
 // The start-up sequence "Main": checks the screen and the database, opens it, shows the splash
@@ -47,16 +40,14 @@ public:
     // The individual rules, for the steps and their tests.
     static bool screenWidthAccepted(int widthPx); // every width but 640 and 480
     static bool regionalSettingsItalian(const QLocale &locale); // 0.789 written with a comma
-    // The Splash setting as a number: nullopt when it is not one (the start-up then fails).
-    static std::optional<double> splashValue(const QString &text);
-
-    static constexpr int kTypeMismatch = 13; // "Errore 13": a setting that is not a number
 
 private:
     bool fail(const QString &text, const QString &title = {});
     void showMainWindow();
+    static QString errorText(const store::StoreError &error);
 
     StartupEnvironment m_env;
+    store::Database m_database; // DbDossier
     std::unique_ptr<MainWindow> m_mainWindow;
 };
 

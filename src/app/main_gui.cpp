@@ -1,8 +1,10 @@
+#include "app/MessageBox.h"
+#include "app/ProgramFolder.h"
 #include "app/Startup.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
 #include <QScreen>
+#include <QTextStream>
 
 int main(int argc, char *argv[])
 {
@@ -10,17 +12,24 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(QStringLiteral("valorimetrico"));
     QLocale::setDefault(QLocale(QLocale::Italian, QLocale::Italy));
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Valorimetrico: il dossier titoli sui dati metastock."));
-    parser.addHelpOption();
-    const QCommandLineOption folder(QStringLiteral("cartella"),
-        QStringLiteral("Cartella del programma (archivio, impostazioni, report)."), QStringLiteral("DIR"));
-    parser.addOption(folder);
-    parser.process(app);
+    QStringList args = QApplication::arguments().mid(1);
+    if (args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"))) {
+        QTextStream(stdout) << "Uso: valorimetrico [--cartella DIR]\n\n"
+                               "  --cartella DIR  cartella dell'archivio valorimetrico.mdb, delle impostazioni\n"
+                               "                  e dei report (predefinita: quella del programma, se contiene\n"
+                               "                  l'archivio, altrimenti la cartella dei dati dell'utente)\n";
+        return 0;
+    }
+    QString error;
+    const std::optional<vm::ProgramFolder> folder = vm::ProgramFolder::fromArguments(args, error);
+    if (!folder || !folder->prepare(error)) {
+        vm::ui::message(nullptr, error, {}, vm::ui::Icon::Critical);
+        return 2;
+    }
 
     vm::StartupEnvironment env;
     env.screenWidth = QGuiApplication::primaryScreen()->geometry().width();
-    env.programFolder = parser.isSet(folder) ? parser.value(folder) : QCoreApplication::applicationDirPath();
+    env.programFolder = folder->path();
     vm::Startup startup(std::move(env));
     if (!startup.Main())
         return 1;

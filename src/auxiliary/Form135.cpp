@@ -2,7 +2,8 @@
 
 #include "app/AppInfo.h"
 #include "app/MainWindow.h"
-#include "app/ShellSettings.h"
+#include "app/ProgramState.h"
+#include "app/Settings.h"
 #include "auxiliary/Chime.h"
 
 #include <QCheckBox>
@@ -161,13 +162,10 @@ Form135::Form135(QWidget *parent)
 
     playChime();
 
-    const QString splash = shell::readSetting(QStringLiteral("Opzioni"), QStringLiteral("Splash"), QStringLiteral("1"));
-    m_check1->setChecked(splash.trimmed().toDouble() == 1);
+    // A value that is not a number leaves the box unchecked here; the start-up reports it.
+    m_check1->setChecked(readSplash(state().FileIni).value);
     // Connected after the load, so that only a change, never the load itself, writes the setting.
-    connect(m_check1, &QCheckBox::toggled, this, [](bool checked) {
-        shell::writeSetting(
-            QStringLiteral("Opzioni"), QStringLiteral("Splash"), checked ? QStringLiteral("1") : QStringLiteral("0"));
-    });
+    connect(m_check1, &QCheckBox::toggled, this, [](bool checked) { writeSplash(state().FileIni, checked); });
     connect(command1, &QPushButton::clicked, this, [this, command1] {
         if (MainWindow *main = MainWindow::instance()) {
             main->setEnabled(true);
@@ -190,7 +188,7 @@ void Form135::tick()
     m_colourCounter = a.counter;
     for (int i = 0; i < 4; ++i) {
         QPalette pal = m_labels9[i]->palette();
-        pal.setColor(QPalette::Window, QColor::fromRgb(shell::classicColour(a.colours[i])));
+        pal.setColor(QPalette::Window, QColor::fromRgb(consoleColourRgb(a.colours[i]).value_or(0xff000000)));
         m_labels9[i]->setPalette(pal);
     }
     if (m_tag == QLatin1String("X"))
