@@ -38,7 +38,7 @@ template<class W> W *openInstance(QPointer<W> &window)
     return window;
 }
 
-QString tr8(const char *text)
+QString utf8(const char *text)
 {
     return QString::fromUtf8(text);
 }
@@ -125,7 +125,7 @@ QLabel *MainWindowBlocker::addLabel(const QString &text, QWidget *parent, const 
 
 void MainWindowBlocker::wrongPassword(QLineEdit *field)
 {
-    ui::message(this, tr8(text::kWrongPassword), {}, ui::Icon::Exclamation);
+    ui::message(this, utf8(text::kWrongPassword), {}, ui::Icon::Exclamation);
     field->clear();
     field->setFocus();
 }
@@ -171,7 +171,7 @@ PasswordWindow *PasswordWindow::open(MainWindow &mainWindow, store::Database &db
 }
 
 PasswordWindow::PasswordWindow(MainWindow &mainWindow, store::Database &db)
-    : MainWindowBlocker(mainWindow, db, tr8(text::kChangeTitle), px(kWidth), px(kSetHeight))
+    : MainWindowBlocker(mainWindow, db, utf8(text::kChangeTitle), px(kWidth), px(kSetHeight))
 {
     setObjectName(QStringLiteral("Form10"));
     m_border->setObjectName(QStringLiteral("bordo1"));
@@ -183,22 +183,22 @@ PasswordWindow::PasswordWindow(MainWindow &mainWindow, store::Database &db)
     m_stored->hide();
 
     // The current password, asked first in change mode; the new-password frame covers its place.
-    m_currentCaption = addLabel(tr8(text::kCurrentPassword), this, QRect(16, 54, 200, 18));
+    m_currentCaption = addLabel(utf8(text::kCurrentPassword), this, QRect(16, 54, 200, 18));
     m_current = addPasswordField(QStringLiteral("Text1"), this, QRect(16, 74, 200, 24));
-    m_confirm = addButton(QStringLiteral("Command1"), tr8(text::kConfirm), this, QRect(16, 120, 100, 28));
-    m_closeCurrent = addButton(QStringLiteral("Command2"), tr8(text::kClose), this, QRect(228, 120, 100, 28));
+    m_confirm = addButton(QStringLiteral("Command1"), utf8(text::kConfirm), this, QRect(16, 120, 100, 28));
+    m_closeCurrent = addButton(QStringLiteral("Command2"), utf8(text::kClose), this, QRect(228, 120, 100, 28));
 
     m_newFrame = new QFrame(this);
     m_newFrame->setObjectName(QStringLiteral("Frame1"));
     m_newFrame->setFrameShape(QFrame::StyledPanel);
     m_newFrame->setGeometry(16, px(kFrameTop), 312, 184);
-    addLabel(tr8(text::kNewPassword), m_newFrame, QRect(12, 8, 200, 18));
+    addLabel(utf8(text::kNewPassword), m_newFrame, QRect(12, 8, 200, 18));
     m_new = addPasswordField(QStringLiteral("Text2"), m_newFrame, QRect(12, 28, 200, 24));
-    addLabel(tr8(text::kVerifyPassword), m_newFrame, QRect(12, 62, 200, 18));
+    addLabel(utf8(text::kVerifyPassword), m_newFrame, QRect(12, 62, 200, 18));
     m_verify = addPasswordField(QStringLiteral("Text3"), m_newFrame, QRect(12, 82, 200, 24));
-    QPushButton *save = addButton(QStringLiteral("Command3"), tr8(text::kSave), m_newFrame, QRect(12, 140, 100, 28));
+    QPushButton *save = addButton(QStringLiteral("Command3"), utf8(text::kSave), m_newFrame, QRect(12, 140, 100, 28));
     QPushButton *closeNew
-        = addButton(QStringLiteral("Command4"), tr8(text::kClose), m_newFrame, QRect(196, 140, 100, 28));
+        = addButton(QStringLiteral("Command4"), utf8(text::kClose), m_newFrame, QRect(196, 140, 100, 28));
 
     setTabOrder(m_new, m_verify);
     setTabOrder(m_verify, save);
@@ -219,11 +219,11 @@ void PasswordWindow::load()
     m_mode = modeFor(stored);
     if (m_mode == PasswordMode::Change) {
         setFixedHeight(px(kChangeHeight));
-        m_instruction->setText(tr8(text::kChangeInstruction));
+        m_instruction->setText(utf8(text::kChangeInstruction));
         m_newFrame->hide();
         m_stored->setText(*stored);
     } else {
-        m_instruction->setText(tr8(text::kSetInstruction));
+        m_instruction->setText(utf8(text::kSetInstruction));
         for (QWidget *w : std::initializer_list<QWidget *> { m_currentCaption, m_current, m_confirm, m_closeCurrent })
             w->hide();
         showNewPasswordFrame(kSetHeight);
@@ -262,23 +262,23 @@ void PasswordWindow::enterInNewField(QLineEdit *field)
 void PasswordWindow::save()
 {
     const DossierPassword::SaveResult result = m_password.save(m_new->text(), m_verify->text());
-    const QString title = tr8(text::kProtectionTitle);
+    const QString title = utf8(text::kProtectionTitle);
     if (result.outcome == SaveOutcome::Mismatch) {
         m_new->clear();
         m_verify->clear();
-        ui::message(this, tr8(text::kVerifyNew), title, ui::Icon::Information);
+        ui::message(this, utf8(text::kVerifyNew), title, ui::Icon::Information);
         m_new->setFocus();
         return;
     }
     if (!result.written) {
-        ui::message(this, tr8(text::kNotSaved) + result.error, title, ui::Icon::Critical);
+        ui::message(this, utf8(text::kNotSaved) + result.error, title, ui::Icon::Critical);
         return;
     }
     const bool protectedNow = result.outcome == SaveOutcome::Changed;
     if (protectedNow)
-        ui::message(this, tr8(text::kPasswordChanged), title, ui::Icon::Information);
+        ui::message(this, utf8(text::kPasswordChanged), title, ui::Icon::Information);
     else
-        ui::message(this, tr8(text::kProtectionOff), title, ui::Icon::Exclamation);
+        ui::message(this, utf8(text::kProtectionOff), title, ui::Icon::Exclamation);
     if (m_mainWindow)
         m_mainWindow->setDossierProtected(protectedNow);
     close();
@@ -300,16 +300,16 @@ PasswordPrompt *PasswordPrompt::open(MainWindow &mainWindow, store::Database &db
 }
 
 PasswordPrompt::PasswordPrompt(MainWindow &mainWindow, store::Database &db)
-    : MainWindowBlocker(mainWindow, db, tr8(text::kPromptTitle), px(kWidth), px(kPromptHeight))
+    : MainWindowBlocker(mainWindow, db, utf8(text::kPromptTitle), px(kWidth), px(kPromptHeight))
 {
     setObjectName(QStringLiteral("Form8"));
     m_border->setObjectName(QStringLiteral("Bordo"));
 
-    addLabel(tr8(text::kPromptLabel), this, QRect(16, 12, 312, 20));
-    addLabel(tr8(text::kPassword), this, QRect(16, 44, 200, 18));
+    addLabel(utf8(text::kPromptLabel), this, QRect(16, 12, 312, 20));
+    addLabel(utf8(text::kPassword), this, QRect(16, 44, 200, 18));
     m_answer = addPasswordField(QStringLiteral("Text1"), this, QRect(16, 64, 200, 24));
-    QPushButton *confirm = addButton(QStringLiteral("Command1"), tr8(text::kConfirm), this, QRect(16, 112, 100, 28));
-    QPushButton *close = addButton(QStringLiteral("Command2"), tr8(text::kClose), this, QRect(228, 112, 100, 28));
+    QPushButton *confirm = addButton(QStringLiteral("Command1"), utf8(text::kConfirm), this, QRect(16, 112, 100, 28));
+    QPushButton *close = addButton(QStringLiteral("Command2"), utf8(text::kClose), this, QRect(228, 112, 100, 28));
 
     connect(m_answer, &QLineEdit::returnPressed, this, &PasswordPrompt::confirm);
     connect(confirm, &QPushButton::clicked, this, &PasswordPrompt::confirm);
