@@ -1,0 +1,115 @@
+#include "app/FolderCheckRunner.h"
+
+#include "app/MainWindow.h"
+#include "app/MessageBox.h"
+#include "app/ProgramState.h"
+#include "app/ProgressBar.h"
+#include "store/Database.h"
+
+#include <QAction>
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QLabel>
+#include <QListWidget>
+
+#include <memory>
+
+namespace vm {
+
+namespace {
+
+const char *const kReportName = "MstkTestFiles.txt";
+
+} // namespace
+
+FolderCheckRunner::FolderCheckRunner(MainWindow &mainWindow, store::Database &db)
+    : m_mainWindow(mainWindow)
+    , m_db(db)
+{ }
+
+std::optional<VerificaArchivi> FolderCheckRunner::run()
+{
+    if (m_running)
+        return std::nullopt;
+    const QStringList folders = m_db.folders();
+    if (const store::StoreError &error = m_db.lastError(); error.failed()) {
+        ui::message(&m_mainWindow,
+            error.message.isEmpty() ? QStringLiteral("Errore ") + QString::number(error.number) : error.message, {},
+            ui::Icon::Critical);
+        return std::nullopt;
+    }
+    if (folders.isEmpty()) {
+        ui::message(
+            &m_mainWindow, messaggioNessunaCartella(), QString::fromUtf8(kTitoloNessunaCartella), ui::Icon::Critical);
+        return verificaCartelle(folders);
+    }
+
+    m_running = true;
+    m_mainWindow.setCursor(Qt::WaitCursor);
+    QListWidget *list = m_mainWindow.folderList();
+    ProgressBar *bar = m_mainWindow.progressBar();
+    list->clear();
+    bar->clear();
+    m_mainWindow.setProgressLabel(QStringLiteral("Verifica archivi in corso..."));
+    m_mainWindow.showProgressPanel(true);
+
+    const VerificaArchivi check = verificaCartelle(folders, [&](int folder, int count, const EsitoCartella &outcome) {
+        if (outcome.stato == EsitoCartella::Stato::InUso)
+            ui::beep();
+        list->addItem(outcome.testo);
+        list->scrollToBottom();
+        bar->setProgress(folder, count);
+        QCoreApplication::processEvents();
+    });
+
+    const QString report = programFile(QString::fromLatin1(kReportName));
+    QString reason;
+    const bool reportWritten = scriviReport(report, check, QDateTime::currentDateTime(), &reason);
+
+    showOutcome(check);
+    state().ArchiviCompatibili = check.archiviCompatibili(state().ArchiviCompatibili);
+    state().AttributiMaster = check.attributiMaster;
+    m_mainWindow.setArchivesReady(check.pronti());
+    if (QAction *refresh = m_mainWindow.button(4, QStringLiteral("aggiorna")); refresh && !state().ArchiviCompatibili)
+        refresh->setEnabled(false);
+    m_mainWindow.unsetCursor();
+    m_running = false;
+
+    if (!reportWritten)
+        ui::message(&m_mainWindow,
+            QStringLiteral("Impossibile scrivere il report ") + report + QStringLiteral(": ") + reason, {},
+            ui::Icon::Exclamation);
+    if (check.titoliNonValidi) {
+        ui::message(
+            &m_mainWindow, messaggioTitoliNonValidi(), QString::fromUtf8(kTitoloTitoliNonValidi), ui::Icon::Critical);
+        if (reportWritten)
+            ui::openDocument(report);
+    }
+    return check;
+}
+
+void FolderCheckRunner::showOutcome(const VerificaArchivi &check)
+{
+    const bool folderProblems = check.errori > 0 || check.nonPronti;
+    const QString label = check.testoEtichetta();
+    m_mainWindow.setProgressLabel(label, folderProblems || check.titoliNonValidi);
+    // The panel goes away when all is well: the status bar keeps the last word.
+    if (StatusPanel *panel = m_mainWindow.statusPanel(2))
+        panel->setText(label);
+    m_mainWindow.setStatusText(check.testoBarraStato(), !folderProblems);
+    if (check.nonPronti) {
+        m_mainWindow.folderList()->addItem(QString::fromUtf8(kArchiviNonCompatibili));
+        m_mainWindow.folderList()->scrollToBottom();
+        m_mainWindow.showProgressPanel(true);
+    } else {
+        m_mainWindow.showProgressPanel(false);
+    }
+}
+
+void installFolderCheck(MainWindow &mainWindow, store::Database &db)
+{
+    auto runner = std::make_shared<FolderCheckRunner>(mainWindow, db);
+    mainWindow.setHook(MainWindow::Hook::FolderCheck, [runner] { runner->run(); });
+}
+
+} // namespace vm
