@@ -638,11 +638,13 @@ void MainWindow::buildStatusBar()
     QStatusBar *bar = statusBar();
     bar->setObjectName(QStringLiteral("StatusBar1"));
     bar->setSizeGripEnabled(false);
-    const int widths[] = { px(6000), px(3000), px(30), px(320), 0 };
+    // Panel 2 takes the room left, so that the folder check's outcome reads whole in a window of
+    // fixed width; panel 1 needs little more than "Pronto" and the view's name fits panel 5.
+    const int widths[] = { px(4500), 0, px(30), px(320), px(2000) };
     for (int i = 0; i < 5; ++i) {
         auto *panel = new StatusPanel(widths[i], bar);
         panel->setObjectName(QStringLiteral("Panel%1").arg(i + 1));
-        bar->addWidget(panel, i == 4 ? 1 : 0);
+        bar->addWidget(panel, i == 1 ? 1 : 0);
         m_panels << panel;
     }
     connect(m_panels[3], &StatusPanel::clicked, this, [this] { run(Hook::PasswordWindow); });
