@@ -180,8 +180,9 @@ private Q_SLOTS:
     // A text longer than its fixed-width panel is cut on screen, whole in the tool tip.
     void longStatusText()
     {
-        const QString text = QStringLiteral("Archivi Metastock verificati, nessun errore. ").repeated(2);
-        vm::StatusPanel *panel = m_window->statusPanel(2);
+        const QString text = QStringLiteral(
+            "Errore sugli archivi metastock, verifica se i dati sono già utilizzati da altre applicazioni.");
+        vm::StatusPanel *panel = m_window->statusPanel(1);
         panel->setText(text);
         QCOMPARE(panel->text(), text);
         const auto *shown = panel->findChildren<QLabel *>().last();
