@@ -97,6 +97,7 @@ StatusPanel::StatusPanel(int widthPx, QWidget *parent)
     layout->addWidget(m_image);
     layout->addWidget(m_text, 1);
     m_image->hide();
+    m_text->hide();
     if (widthPx > 0)
         setFixedWidth(widthPx);
 }
@@ -109,6 +110,9 @@ void StatusPanel::setText(const QString &text)
     const bool cut = room > 0 && m_text->fontMetrics().horizontalAdvance(text) > room;
     m_text->setText(cut ? m_text->fontMetrics().elidedText(text, Qt::ElideRight, room) : text);
     m_text->setToolTip(cut ? text : QString());
+    // An empty text takes no room, so that an image-only panel as narrow as the protection one shows
+    // its whole picture.
+    m_text->setVisible(!text.isEmpty());
 }
 
 QString StatusPanel::text() const
