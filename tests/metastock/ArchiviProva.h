@@ -5,7 +5,6 @@
 #include "metastock/Master.h"
 
 #include <QDate>
-#include <QFile>
 
 // Archives that the tests write themselves, and one-line descriptions to compare against.
 namespace prova {
@@ -18,12 +17,8 @@ inline QList<QuotaMS> quote(int quante, QDate inizio = QDate(1999, 12, 30), floa
     QList<QuotaMS> q;
     for (int i = 0; i < quante; ++i) {
         const float c = base + 0.25f * float(i);
-        QuotaMS r { inizio.addDays(i), 0, std::nullopt, c + 0.5f, c - 0.5f, c, 1000.0f * float(i + 1), std::nullopt };
-        if (campi >= 6)
-            r.apertura = c - 0.125f;
-        if (campi == 7)
-            r.ufficiale = c + 0.0625f;
-        q.append(r);
+        q.append({ inizio.addDays(i), 0, campi >= 6 ? std::optional(c - 0.125f) : std::nullopt, c + 0.5f, c - 0.5f, c,
+            1000.0f * float(i + 1), campi == 7 ? std::optional(c + 0.0625f) : std::nullopt });
     }
     return q;
 }
@@ -31,12 +26,6 @@ inline QList<QuotaMS> quote(int quante, QDate inizio = QDate(1999, 12, 30), floa
 inline TitoloArchivio titolo(const QString &simbolo, const QString &nome, int campi = 7, int quante = 3)
 {
     return { simbolo, nome, campi, quote(quante, QDate(1999, 12, 30), 10.0f, campi), {}, {}, {} };
-}
-
-inline QByteArray leggi(const QString &percorso)
-{
-    QFile f(percorso);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 // "file|symbol|name|fields|first|last|marked"

@@ -1,7 +1,13 @@
 #include "ArchiviProva.h"
+#include "metastock/Mbf.h"
+#include "metastock/Testo1252.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <bit>
+#include <cmath>
+#include <limits>
 
 using namespace vm::metastock;
 
@@ -10,201 +16,171 @@ class TstPrezzi : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void numeroRecord_data();
-    void numeroRecord();
-    void storia_data();
-    void storia();
-    void ultimeQuote_data();
-    void ultimeQuote();
-    void codaComeStoria_data();
-    void codaComeStoria();
-    void giornata_data();
-    void giornata();
-    void campiNonValidi_data();
-    void campiNonValidi();
-    void fileMancante();
+    void cvsmbf_data()
+    {
+        QTest::addColumn<QByteArray>("mbf");
+        QTest::addColumn<quint32>("ieee"); // the bits, so that the sign and exponent are checked; all ones: error
+        const auto riga = [](const char *nome, const char *hex, quint32 ieee) {
+            QTest::newRow(nome) << QByteArray::fromHex(hex) << ieee;
+        };
+        riga("-1", "00008081", std::bit_cast<quint32>(-1.0f));
+        riga("real close 3.655", "85eb6982", std::bit_cast<quint32>(3.655f));
+        riga("date 1071119", "78c00295", std::bit_cast<quint32>(1071119.0f));
+        riga("exponent 0, other bytes set", "ffffff00", 0);
+        riga("exponent 0xFF is finite", "ffff7fff", 0x7EFFFFFF);
+        riga("exponent 0xFF negative", "000080ff", 0xFE800000);
+        riga("exponent 3, smallest normal", "00000003", 0x00800000);
+        riga("exponent 2 reads as zero", "00000002", 0);
+        riga("exponent 1, sign set, plus zero", "00008001", 0);
+        riga("not 4 bytes", "000081", 0xFFFFFFFFu);
+    }
+
+    void cvsmbf()
+    {
+        QFETCH(QByteArray, mbf);
+        QFETCH(quint32, ieee);
+        const auto v = CVSMBF(mbf);
+        QCOMPARE(v.has_value(), ieee != 0xFFFFFFFFu);
+        if (v)
+            QCOMPARE(QString::number(std::bit_cast<quint32>(*v), 16), QString::number(ieee, 16));
+    }
+
+    // The writer's reverse conversion, at the ends of the range and past them.
+    void andataRitorno()
+    {
+        for (const float v : { -1.0f, 96.438f, 1.5e-30f, -7.25e30f, std::ldexp(1.0f, -125), std::ldexp(1.0f, 126) })
+            QCOMPARE(std::bit_cast<quint32>(mbfToFloat(floatToMbf(v).value().data())), std::bit_cast<quint32>(v));
+        for (const float v :
+            { std::ldexp(1.0f, 127), std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN() })
+            QVERIFY(!floatToMbf(v));
+    }
+
+    void date_data()
+    {
+        QTest::addColumn<QString>("numero");
+        QTest::addColumn<QDate>("data");
+        QTest::addColumn<QString>("testo");
+        QTest::newRow("last two-digit year") << "991231" << QDate(1999, 12, 31) << "31/12/1999";
+        QTest::newRow("first three-digit year") << "1000101" << QDate(2000, 1, 1) << "01/01/2000";
+        QTest::newRow("1990") << "900622" << QDate(1990, 6, 22) << "22/06/1990";
+        QTest::newRow("2030") << "1301231" << QDate(2030, 12, 31) << "31/12/2030";
+        QTest::newRow("leap day 2000") << "1000229" << QDate(2000, 2, 29) << "29/02/2000";
+    }
+
+    void date()
+    {
+        QFETCH(QString, numero);
+        QFETCH(QDate, data);
+        QFETCH(QString, testo);
+        QCOMPARE(DataMS(numero), testo);
+        QCOMPARE(dataDaNumeroMS(numero.toDouble()), data);
+        QCOMPARE(QString::number(numeroDataMS(data)), numero);
+    }
+
+    // Damaged records hold numbers that are no date.
+    void numeriNonData()
+    {
+        for (const double n : { 0.0, -1000101.0, 1000101.5, 1001301.0, 1000230.0, 991200.0, 1e9, qQNaN() })
+            QVERIFY2(!dataDaNumeroMS(n).isValid(), qPrintable(QString::number(n)));
+    }
+
+    // Names come in Windows-1252, where 0x80-0x9F are not the Latin-1 control characters.
+    void windows1252()
+    {
+        const QByteArray byte("\x80\x93x\x94 CITT\xC0");
+        QCOMPARE(daWindows1252(byte), QStringLiteral("€“x” CITTÀ"));
+        QCOMPARE(inWindows1252(QStringLiteral("€“x” CITTÀ")), byte);
+        QCOMPARE(inWindows1252(QStringLiteral("Ω")), "?");
+        QCOMPARE(campoTesto(QByteArray(" \0AB C\0 ", 8)), QStringLiteral("AB C"));
+        QCOMPARE(campoTesto(QByteArray("  \0\0", 4)), QString());
+    }
+
+    // The tail read of the last two quotes must agree with the whole history at every length a cut can leave,
+    // the first quotes included, and across the seek into a longer file.
+    void ultimeQuote()
+    {
+        for (const int campi : { 5, 6, 7 }) {
+            const QByteArray intero = datiPrezziArchivio(prova::quote(6, QDate(1999, 12, 30), 1.0f, campi), campi);
+            const QString percorso = m_dir.filePath(QStringLiteral("taglio%1.dat").arg(campi));
+            for (qsizetype lunghezza = 0; lunghezza <= intero.size(); ++lunghezza) {
+                QFile f(percorso);
+                QVERIFY(
+                    f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(intero.left(lunghezza)) == lunghezza);
+                f.close();
+                const auto storia = leggiStoria(percorso, campi);
+                const auto u = leggiUltimeQuote(percorso, campi);
+                QVERIFY(storia && u);
+                const QString riga = QStringLiteral("%1 fields, %2 bytes: ").arg(campi).arg(lunghezza);
+                const auto d = [&](const QuotaMS &q) { return riga + prova::descrivi(q); };
+                QCOMPARE(u->ultima.has_value(), !storia->isEmpty());
+                QCOMPARE(u->precedente.has_value(), storia->size() > 1);
+                if (u->ultima)
+                    QCOMPARE(d(*u->ultima), d(storia->last()));
+                if (u->precedente)
+                    QCOMPARE(d(*u->precedente), d(storia->at(storia->size() - 2)));
+                QCOMPARE(PrezzoMs(percorso, campi), u->ultima ? std::optional(u->ultima->chiusura) : std::nullopt);
+            }
+            QCOMPARE(PrezzoMs(percorso, campi), 2.25f); // the whole file: sixth close
+        }
+    }
+
+    void giornata_data()
+    {
+        QTest::addColumn<int>("campi");
+        QTest::addColumn<QList<float>>("chiusure");
+        QTest::addColumn<QString>("variazione");
+        QTest::newRow("rise, against the close before") << 7 << QList<float> { 8.0f, 10.0f, 10.5f } << "5,0%";
+        QTest::newRow("fall, 5 fields") << 5 << QList<float> { 8.0f, 7.0f } << "-12,5%";
+        QTest::newRow("one quote") << 6 << QList<float> { 10.0f } << "n.d.";
+        QTest::newRow("previous close zero") << 7 << QList<float> { 0.0f, 5.0f } << "n.d.";
+        QTest::newRow("previous close negative") << 7 << QList<float> { -1.0f, 5.0f } << "n.d.";
+    }
+
+    void giornata()
+    {
+        QFETCH(int, campi);
+        QFETCH(QList<float>, chiusure);
+        QFETCH(QString, variazione);
+        QList<QuotaMS> q = prova::quote(int(chiusure.size()), QDate(2024, 5, 2), 1.0f, campi);
+        for (qsizetype i = 0; i < q.size(); ++i)
+            q[i].chiusura = chiusure[i];
+        const QString percorso = scrivi(datiPrezziArchivio(q, campi));
+        const auto g = GiornataMS(m_dir.path(), QFileInfo(percorso).fileName(), "Nome", "SIM", campi);
+        QVERIFY(g);
+        QCOMPARE(g->testoVariazione(), variazione);
+        QCOMPARE(prova::descrivi(
+                     QuotaMS { g->data, 0, g->apertura, g->massimo, g->minimo, g->chiusura, g->volume, g->ufficiale }),
+            prova::descrivi(q.last()));
+    }
+
+    void campiNonValidiEFileMancante()
+    {
+        const QString percorso = scrivi(datiPrezziArchivio(prova::quote(5), 7));
+        for (const int campi : { 0, 4, 8, 255 }) {
+            QVERIFY(!PrezzoMs(percorso, campi));
+            QCOMPARE(leggiStoria(percorso, campi).value_or(QList<QuotaMS> { QuotaMS {} }).size(), 0);
+            const auto g = GiornataMS(m_dir.path(), QFileInfo(percorso).fileName(), "N", "S", campi);
+            QVERIFY(g && !g->data.isValid());
+            QCOMPARE(g->testoVariazione(), "n.d.");
+        }
+        QString errore;
+        QVERIFY(!leggiStoria(m_dir.filePath("F999.DAT"), 7, &errore));
+        QVERIFY2(errore.contains("F999.DAT"), qPrintable(errore));
+        QVERIFY(!PrezzoMs(m_dir.filePath("F999.DAT"), 7));
+        QVERIFY(!GiornataMS(m_dir.path(), "F999.DAT", "N", "S", 7));
+    }
 
 private:
-    QString scrivi(const QByteArray &dati);
+    QString scrivi(const QByteArray &dati)
+    {
+        const QString percorso = m_dir.filePath(QStringLiteral("F%1.DAT").arg(++m_file));
+        if (!scriviFile(percorso, dati))
+            qFatal("cannot write %s", qPrintable(percorso));
+        return percorso;
+    }
     QTemporaryDir m_dir;
     int m_file = 0;
 };
-
-QString TstPrezzi::scrivi(const QByteArray &dati)
-{
-    const QString percorso = m_dir.filePath(QStringLiteral("F%1.DAT").arg(++m_file));
-    if (!scriviFile(percorso, dati))
-        qFatal("cannot write %s", qPrintable(percorso));
-    return percorso;
-}
-
-void TstPrezzi::numeroRecord_data()
-{
-    QTest::addColumn<qint64>("lunghezza");
-    QTest::addColumn<int>("campi");
-    QTest::addColumn<qint64>("n");
-    QTest::newRow("empty") << qint64(0) << 7 << qint64(0);
-    QTest::newRow("header only") << qint64(28) << 7 << qint64(1);
-    QTest::newRow("just under half a record more") << qint64(41) << 7 << qint64(1);
-    QTest::newRow("half a record rounds up") << qint64(42) << 7 << qint64(2);
-    QTest::newRow("5 fields") << qint64(60) << 5 << qint64(3);
-    QTest::newRow("4 fields read nothing") << qint64(100) << 4 << qint64(0);
-    QTest::newRow("8 fields read nothing") << qint64(100) << 8 << qint64(0);
-}
-
-void TstPrezzi::numeroRecord()
-{
-    QFETCH(qint64, lunghezza);
-    QFETCH(int, campi);
-    QFETCH(qint64, n);
-    QCOMPARE(numeroRecordPrezzi(lunghezza, campi), n);
-}
-
-void TstPrezzi::storia_data()
-{
-    QTest::addColumn<int>("campi");
-    QTest::addColumn<QDate>("inizio");
-    QTest::newRow("7 fields across 2000") << 7 << QDate(1999, 12, 20);
-    QTest::newRow("6 fields, 1990") << 6 << QDate(1990, 1, 1);
-    QTest::newRow("5 fields, 2030") << 5 << QDate(2030, 12, 1);
-}
-
-void TstPrezzi::storia()
-{
-    QFETCH(int, campi);
-    QFETCH(QDate, inizio);
-    const QList<QuotaMS> scritte = prova::quote(40, inizio, 0.7f, campi);
-    const auto lette = leggiStoria(scrivi(datiPrezziArchivio(scritte, campi)), campi);
-    QVERIFY(lette);
-    QCOMPARE(lette->size(), scritte.size());
-    for (qsizetype i = 0; i < scritte.size(); ++i)
-        QCOMPARE(prova::descrivi(lette->at(i)), prova::descrivi(scritte[i]));
-}
-
-void TstPrezzi::ultimeQuote_data()
-{
-    QTest::addColumn<int>("campi");
-    QTest::addColumn<int>("quote");
-    QTest::addColumn<int>("byteInPiu"); // a last record cut short
-    for (const int campi : { 5, 6, 7 }) {
-        for (const int quote : { 0, 1, 2, 3, 50 }) {
-            QTest::addRow("%d fields, %d quotes", campi, quote) << campi << quote << 0;
-            QTest::addRow("%d fields, %d quotes + 3/4 record", campi, quote) << campi << quote << 3 * campi;
-        }
-    }
-}
-
-void TstPrezzi::ultimeQuote()
-{
-    QFETCH(int, campi);
-    QFETCH(int, quote);
-    QFETCH(int, byteInPiu);
-    QByteArray dati = datiPrezziArchivio(prova::quote(quote, QDate(2001, 3, 1), 10.0f, campi), campi);
-    dati.append(QByteArray(byteInPiu, '\x81'));
-    const QString percorso = scrivi(dati);
-    const auto u = leggiUltimeQuote(percorso, campi);
-    QVERIFY(u);
-    QCOMPARE(u->ultima.has_value(), quote > 0);
-    QCOMPARE(u->precedente.has_value(), quote > 1);
-    const auto chiusura = PrezzoMs(percorso, campi);
-    QCOMPARE(chiusura.has_value(), quote > 0);
-    if (quote == 0)
-        return;
-    QCOMPARE(*chiusura, 10.0f + 0.25f * float(quote - 1));
-    QCOMPARE(u->ultima->data, QDate(2001, 3, 1).addDays(quote - 1));
-    QCOMPARE(u->ultima->apertura.has_value(), campi >= 6);
-    QCOMPARE(u->ultima->ufficiale.has_value(), campi == 7);
-    if (quote > 1)
-        QCOMPARE(u->precedente->chiusura, 10.0f + 0.25f * float(quote - 2));
-}
-
-void TstPrezzi::codaComeStoria_data()
-{
-    QTest::addColumn<int>("campi");
-    QTest::newRow("5") << 5;
-    QTest::newRow("6") << 6;
-    QTest::newRow("7") << 7;
-}
-
-// Reading only the tail must give what the whole history gives, at every length a cut can leave.
-void TstPrezzi::codaComeStoria()
-{
-    QFETCH(int, campi);
-    const QByteArray intero = datiPrezziArchivio(prova::quote(4, QDate(1999, 12, 30), 1.0f, campi), campi);
-    for (qsizetype lunghezza = 0; lunghezza <= intero.size(); ++lunghezza) {
-        const QByteArrayView file(intero.constData(), lunghezza);
-        const QList<QuotaMS> storia = quoteDaDati(file, campi);
-        const qint64 inizio = inizioCodaPrezzi(lunghezza, campi);
-        const UltimeQuote u = ultimeDaCoda(file.sliced(inizio), lunghezza, campi);
-        QCOMPARE(u.ultima.has_value(), !storia.isEmpty());
-        QCOMPARE(u.precedente.has_value(), storia.size() > 1);
-        if (u.ultima)
-            QCOMPARE(u.ultima->data, storia.last().data);
-        if (u.precedente)
-            QCOMPARE(u.precedente->chiusura, storia[storia.size() - 2].chiusura);
-    }
-}
-
-void TstPrezzi::giornata_data()
-{
-    QTest::addColumn<int>("campi");
-    QTest::addColumn<QList<float>>("chiusure");
-    QTest::addColumn<QString>("variazione");
-    QTest::newRow("rise") << 7 << QList<float> { 8.0f, 10.0f, 10.5f } << "5,0%";
-    QTest::newRow("fall, 5 fields") << 5 << QList<float> { 8.0f, 7.0f } << "-12,5%";
-    QTest::newRow("two decimals, 6 fields") << 6 << QList<float> { 4.0f, 4.05f } << "1,25%";
-    QTest::newRow("one quote") << 7 << QList<float> { 10.0f } << "n.d.";
-    QTest::newRow("previous close zero") << 7 << QList<float> { 0.0f, 5.0f } << "n.d.";
-    QTest::newRow("previous close negative") << 7 << QList<float> { -1.0f, 5.0f } << "n.d.";
-}
-
-void TstPrezzi::giornata()
-{
-    QFETCH(int, campi);
-    QFETCH(QList<float>, chiusure);
-    QFETCH(QString, variazione);
-    QList<QuotaMS> q = prova::quote(int(chiusure.size()), QDate(2024, 5, 2), 1.0f, campi);
-    for (qsizetype i = 0; i < q.size(); ++i)
-        q[i].chiusura = chiusure[i];
-    const QString percorso = scrivi(datiPrezziArchivio(q, campi));
-    const auto g = GiornataMS(m_dir.path(), QFileInfo(percorso).fileName(), "Nome", "SIM", campi);
-    QVERIFY(g);
-    QCOMPARE(g->testoVariazione(), variazione);
-    QCOMPARE(g->data, q.last().data);
-    QCOMPARE(g->chiusura, chiusure.last());
-    QCOMPARE(g->massimo, q.last().massimo);
-    QCOMPARE(g->apertura.has_value(), campi >= 6);
-    QCOMPARE(g->ufficiale.has_value(), campi == 7);
-}
-
-void TstPrezzi::campiNonValidi_data()
-{
-    QTest::addColumn<int>("campi");
-    QTest::newRow("0") << 0;
-    QTest::newRow("4") << 4;
-    QTest::newRow("8") << 8;
-    QTest::newRow("255") << 255;
-}
-
-void TstPrezzi::campiNonValidi()
-{
-    QFETCH(int, campi);
-    const QString percorso = scrivi(datiPrezziArchivio(prova::quote(5), 7));
-    QVERIFY(!PrezzoMs(percorso, campi));
-    QCOMPARE(leggiStoria(percorso, campi).value_or(QList<QuotaMS> { QuotaMS {} }).size(), 0);
-    const auto g = GiornataMS(m_dir.path(), QFileInfo(percorso).fileName(), "N", "S", campi);
-    QVERIFY(g && !g->data.isValid());
-    QCOMPARE(g->testoVariazione(), "n.d.");
-}
-
-void TstPrezzi::fileMancante()
-{
-    QString errore;
-    QVERIFY(!leggiStoria(m_dir.filePath("F999.DAT"), 7, &errore));
-    QVERIFY2(errore.contains("F999.DAT"), qPrintable(errore));
-    QVERIFY(!PrezzoMs(m_dir.filePath("F999.DAT"), 7));
-    QVERIFY(!GiornataMS(m_dir.path(), "F999.DAT", "N", "S", 7));
-}
 
 QTEST_APPLESS_MAIN(TstPrezzi)
 #include "tst_prezzi.moc"

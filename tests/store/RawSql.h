@@ -11,37 +11,25 @@
 
 namespace vm::test {
 
-inline QString runRawSql(const QString &path, const QStringList &statements, QVariant *firstValue = nullptr)
+// The first value the statements yield (null when none does), or the text of the first error.
+inline QVariant rawSql(const QString &path, const QStringList &statements)
 {
-    const QString name = QStringLiteral("raw-sql");
     QString error;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(path);
-        if (!db.open()) {
-            error = db.lastError().text();
-        } else {
-            QSqlQuery q(db);
-            for (const QString &sql : statements) {
-                if (!q.exec(sql)) {
-                    error = sql + QStringLiteral(": ") + q.lastError().text();
-                    break;
-                }
-                if (firstValue && q.next())
-                    *firstValue = q.value(0);
-            }
-        }
-        db.close();
-    }
-    QSqlDatabase::removeDatabase(name);
-    return error;
-}
-
-// The first value the statement yields, or the error text.
-inline QVariant rawValue(const QString &path, const QString &sql)
-{
     QVariant value;
-    const QString error = runRawSql(path, { sql }, &value);
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("raw-sql"));
+        db.setDatabaseName(path);
+        if (!db.open())
+            error = db.lastError().text();
+        QSqlQuery q(db);
+        for (qsizetype i = 0; error.isEmpty() && i < statements.size(); ++i) {
+            if (!q.exec(statements[i]))
+                error = statements[i] + QStringLiteral(": ") + q.lastError().text();
+            else if (value.isNull() && q.next())
+                value = q.value(0);
+        }
+    }
+    QSqlDatabase::removeDatabase(QStringLiteral("raw-sql"));
     return error.isEmpty() ? value : QVariant(error);
 }
 

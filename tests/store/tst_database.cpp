@@ -11,8 +11,7 @@
 #include <QTest>
 
 using namespace vm::store;
-using vm::test::rawValue;
-using vm::test::runRawSql;
+using vm::test::rawSql;
 
 namespace {
 
@@ -22,32 +21,30 @@ QByteArray readAll(const QString &path)
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
-void writeAll(const QString &path, const QByteArray &bytes)
+void writeAt(const QString &path, const QByteArray &bytes, qint64 offset = -1) // -1: the whole file
 {
     QFile f(path);
-    QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    f.write(bytes);
-}
-
-void overwrite(const QString &path, qint64 offset, qint64 length)
-{
-    QFile f(path);
-    QVERIFY(f.open(QIODevice::ReadWrite));
-    QVERIFY(f.seek(offset));
-    f.write(QByteArray(length, '\xA5'));
+    QVERIFY(f.open(offset < 0 ? QIODevice::WriteOnly | QIODevice::Truncate : QIODevice::ReadWrite));
+    QVERIFY(f.seek(std::max<qint64>(offset, 0)) && f.write(bytes) == bytes.size());
 }
 
 // A database with a few rows, so that damage lands on real pages.
 void makeFilled(const QString &path, const QString &password = QString::fromLatin1(kDatabasePassword))
 {
     QVERIFY(!Database::create(path, password).failed());
-    QStringList sql { QStringLiteral("BEGIN") };
+    QStringList sql { "BEGIN" };
     for (int i = 0; i < 50; ++i)
         sql << QStringLiteral("INSERT INTO dossier (Titolo, descrizione, giorno, prezzo, qta)"
                               " VALUES ('T%1', 'Titolo %1', '2020-01-01', 10.5, 100)")
                    .arg(i);
-    sql << QStringLiteral("COMMIT");
-    QCOMPARE(runRawSql(path, sql), QString());
+    QCOMPARE(rawSql(path, sql << "COMMIT"), QVariant());
+}
+
+using Change = std::function<bool(Database &, qint64 idTitolo)>;
+
+Operazione purchase(const QString &symbol)
+{
+    return { 0, 0, QDate(2024, 1, 2), "AQ", QDate(2024, 1, 2), "Eni", symbol, 10, 100, {} };
 }
 
 } // namespace
@@ -63,328 +60,261 @@ private Q_SLOTS:
         QVERIFY(m_dir->isValid());
     }
 
-    void createRefusesAnExistingFile();
-    void openRefusesBadFilesWithoutTouchingThem_data();
-    void openRefusesBadFilesWithoutTouchingThem();
-    void randomDamageNeverCrashesNorWrites();
-    void secondCopyIsRefusedWhileTheFirstHoldsTheFile();
-    void olderVersionIsMigratedInOneStep();
-    void multiTableChangeRollsBackWhenItsSecondWriteFails_data();
-    void multiTableChangeRollsBackWhenItsSecondWriteFails();
-    void compactionTwiceKeepsTheDataAndRemovesLeftovers();
-    void compactionFailureLeavesTheDatabaseUsable();
-    void creaArchivioCommand_data();
-    void creaArchivioCommand();
+    void openRefusesBadFilesWithoutTouchingThem_data()
+    {
+        QTest::addColumn<QByteArray>("bytes"); // written as the file unless null
+        QTest::addColumn<QString>("password"); // a database with rows, made with this password, unless null
+        QTest::addColumn<QString>("sql"); // then run on the file
+        QTest::addColumn<qint64>("damage"); // then 400 bytes overwritten there, or the file cut to minus that
+        QTest::addColumn<int>("number");
+
+        const QString ours = QString::fromLatin1(kDatabasePassword);
+        const auto row
+            = [](const char *name, const QByteArray &bytes, const QString &password, const char *sql, qint64 damage,
+                  int number) { QTest::newRow(name) << bytes << password << QString(sql) << damage << number; };
+        row("mancante", {}, {}, "", 0, ErrFileNotFound);
+        row("vuoto", "", {}, "", 0, ErrAccessDenied);
+        row("testo", QByteArray("SQLite format 3 ma no\n").repeated(9), {}, "", 0, ErrAccessDenied);
+        row("sqlite di altri", {}, {}, "CREATE TABLE clienti (nome TEXT)", 0, ErrAccessDenied);
+        row("password diversa", {}, "un'altra", "", 0, ErrAccessDenied);
+        row("impronta alterata", {}, ours, "UPDATE Firma SET impronta = 'x'", 0, ErrAccessDenied);
+        row("schema danneggiato", {}, ours, "", 100, ErrDamaged);
+        row("tabella danneggiata", {}, ours, "", 2 * 4096 + 8, ErrDamaged);
+        row("troncato", {}, ours, "", -3 * 4096, ErrDamaged);
+        row("versione successiva", {}, ours, "PRAGMA user_version = 99", 0, ErrNewerVersion);
+    }
+
+    void openRefusesBadFilesWithoutTouchingThem()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, password);
+        QFETCH(QString, sql);
+        QFETCH(qint64, damage);
+        QFETCH(int, number);
+
+        const QString file = path();
+        if (!bytes.isNull())
+            writeAt(file, bytes);
+        if (!password.isNull())
+            makeFilled(file, password);
+        if (!sql.isEmpty())
+            QCOMPARE(rawSql(file, { sql }), QVariant());
+        if (damage > 0)
+            writeAt(file, QByteArray(400, '\xA5'), damage);
+        if (damage < 0)
+            QVERIFY(QFile::resize(file, -damage));
+        const QByteArray before = readAll(file);
+
+        Database db;
+        const OpenResult result = db.open(file);
+        QCOMPARE(result.outcome, number == ErrAccessDenied ? OpenOutcome::AccessDenied : OpenOutcome::Failed);
+        QCOMPARE(result.error.number, number);
+        QVERIFY(!db.isOpen());
+        QCOMPARE(result.error.message,
+            number == ErrAccessDenied ? QStringLiteral("Accesso ai dati non consentito")
+                                      : QStringLiteral("Errore %1").arg(number));
+        QCOMPARE(readAll(file), before);
+        // Nothing the engine might leave behind (journal, scratch files).
+        QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), number == ErrFileNotFound ? 0 : 1);
+    }
+
+    void randomDamageNeverCrashesNorWrites()
+    {
+        makeFilled(path("integro.mdb"));
+        const QByteArray pristine = readAll(path("integro.mdb"));
+        QRandomGenerator random(20261123);
+        for (int round = 0; round < 40; ++round) {
+            QByteArray bytes = pristine;
+            // The header stays, so that the engine itself meets the damage.
+            const qsizetype at = 100 + random.bounded(bytes.size() - 100);
+            const qsizetype length = std::min<qsizetype>(1 + random.bounded(600), bytes.size() - at);
+            for (qsizetype i = 0; i < length; ++i)
+                bytes[at + i] = char(random.bounded(256));
+            writeAt(path(), bytes);
+
+            Database db;
+            const OpenResult result = db.open(path());
+            const QByteArray giro = QByteArray::number(round);
+            QVERIFY2(result.ok() || result.error.number == ErrDamaged || result.error.number == ErrAccessDenied,
+                giro.constData());
+            // Reading whatever survived must not crash either.
+            for (const DossierRow &row : db.dossierRows())
+                db.operationsOfTitle(row.idTitolo);
+            db.groupSizes();
+            db.folders();
+            db.close();
+            QVERIFY2(readAll(path()) == bytes, giro.constData());
+        }
+    }
+
+    void secondCopyIsRefusedWhileTheFirstHoldsTheFile()
+    {
+        makeFilled(path());
+        Database first, second;
+        QVERIFY(first.open(path()).ok());
+        const OpenResult refused = second.open(path());
+        QCOMPARE(refused.outcome, OpenOutcome::Locked);
+        QCOMPARE(refused.error.number, int(ErrLocked));
+        QVERIFY(refused.error.message.contains(QStringLiteral("già aperto")));
+
+        // The first copy goes on working, and the second gets the file once the first lets go.
+        QVERIFY(first.insertTitle({ 0, QStringLiteral("NUOVO"), QStringLiteral("Nuovo"), {}, 1, 1, {}, 0 }));
+        first.close();
+        QVERIFY(second.open(path()).ok());
+        QCOMPARE(second.countTitles(), 51);
+    }
+
+    void olderVersionIsMigratedInOneStep()
+    {
+        makeFilled(path());
+        QCOMPARE(rawSql(path(), { "DROP INDEX IDDossier", "PRAGMA user_version = 1" }), QVariant());
+        {
+            Database db;
+            QVERIFY(db.open(path()).ok());
+            QCOMPARE(db.countTitles(), 50);
+        }
+        QCOMPARE(rawSql(path(), { "PRAGMA user_version" }).toInt(), kSchemaVersion);
+        QCOMPARE(rawSql(path(), { "SELECT count(*) FROM sqlite_master WHERE name = 'IDDossier'" }).toInt(), 1);
+    }
+
+    void multiTableChangeRollsBackWhenItsSecondWriteFails_data()
+    {
+        QTest::addColumn<QString>("trigger"); // makes the second write fail
+        QTest::addColumn<Change>("change");
+
+        const auto row = [](const char *name, const char *trigger, const Change &change) {
+            QTest::newRow(name)
+                << QStringLiteral("CREATE TRIGGER t BEFORE %1 BEGIN SELECT RAISE(ABORT, 'guasto'); END").arg(trigger)
+                << change;
+        };
+        row("acquisto", "INSERT ON Operazioni", [](Database &db, qint64) {
+            return db.recordPurchase({ 0, "ENEL", "Enel", {}, 5, 10, {}, 0 }, purchase("ENEL")).has_value();
+        });
+        row("rimozione titolo", "DELETE ON Operazioni", [](Database &db, qint64 id) { return db.deleteTitle(id); });
+        row("cambio nome", "UPDATE ON giornata",
+            [](Database &db, qint64 id) { return db.renameTitle(id, "ENI2", "Eni nuova", "ENI"); });
+        row("ultima operazione", "DELETE ON dossier", [](Database &db, qint64 id) {
+            return db.deleteOperation(db.operationsOfTitle(id).first().idArchivioDossier, id).ok;
+        });
+        row("cartelle", "INSERT ON directory WHEN NEW.path = 'b/'", [](Database &db, qint64) {
+            return db.replaceFolders({ "a/", "b/" });
+        });
+    }
+
+    void multiTableChangeRollsBackWhenItsSecondWriteFails()
+    {
+        QFETCH(QString, trigger);
+        QFETCH(Change, change);
+
+        QVERIFY(!Database::create(path()).failed());
+        {
+            Database db;
+            QVERIFY(db.open(path()).ok());
+            QVERIFY(db.recordPurchase({ 0, "ENI", "Eni", QDate(2024, 1, 2), 10, 100, {}, 0 }, purchase("ENI")));
+            QVERIFY(db.replaceFolders({ "x/" }));
+        }
+        QCOMPARE(rawSql(path(), { "INSERT INTO giornata VALUES ('ENI', 'Eni')", trigger }), QVariant());
+
+        Database db;
+        QVERIFY(db.open(path()).ok());
+        const qint64 id = db.dossierRows().value(0).idTitolo;
+        QVERIFY(!change(db, id));
+        QVERIFY(db.lastError().failed());
+        const QList<DossierRow> titles = db.dossierRows();
+        QCOMPARE(titles.size(), 1);
+        QCOMPARE(titles.first().titolo, QStringLiteral("ENI"));
+        QCOMPARE(db.operationsOfTitle(id).size(), 1);
+        QCOMPARE(db.operationsOfTitle(id).first().ticker, QStringLiteral("ENI"));
+        QCOMPARE(db.folders(), QStringList { "x/" });
+        // The failed change left no transaction open behind it.
+        QVERIFY(db.insertStorico({ 0, QDate(2024, 2, 1), 1, 2 }));
+    }
+
+    void compactionTwiceKeepsTheDataAndRemovesLeftovers()
+    {
+        makeFilled(path());
+        writeAt(path("temp.mdb"), "avanzo di una compattazione interrotta");
+        Database db;
+        QVERIFY(db.open(path()).ok());
+        // Space freed by deletions is what compaction gives back.
+        for (int i = 0; i < 40; ++i)
+            QVERIFY(db.insertTitle({ 0, QStringLiteral("BIG%1").arg(i), QString(20000, 'x'), {}, 0, 0, {}, 0 }));
+        for (int i = 0; i < 80; ++i) {
+            const QList<DossierRow> rows = db.dossierRows();
+            QVERIFY(db.deleteTitle((i < 40 ? rows.last() : rows.first()).idTitolo));
+        }
+        const qint64 sizeBefore = QFileInfo(path()).size();
+
+        for (int round = 0; round < 2; ++round) {
+            const StoreError error = db.compact();
+            QVERIFY2(!error.failed(), qPrintable(error.detail));
+            QCOMPARE(db.countTitles(), 10);
+            QCOMPARE(db.dossierRows().first().titolo, QStringLiteral("T40"));
+        }
+        QVERIFY(QFileInfo(path()).size() < sizeBefore);
+        // Still held exclusively after the reopen, and still this program's file.
+        Database other;
+        QCOMPARE(other.open(path()).outcome, OpenOutcome::Locked);
+        db.close();
+        QVERIFY(other.open(path()).ok());
+        other.close();
+        QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList { "valorimetrico.mdb" });
+    }
+
+    void compactionFailureLeavesTheDatabaseUsable()
+    {
+        makeFilled(path());
+        // A leftover that cannot be removed: a folder with something in it.
+        QVERIFY(QDir(m_dir->path()).mkpath(QStringLiteral("temp.mdb/dentro")));
+        Database db;
+        QVERIFY(db.open(path()).ok());
+        const StoreError error = db.compact();
+        QVERIFY(error.failed());
+        QCOMPARE(error.message, QStringLiteral("Errore %1").arg(error.number));
+        QVERIFY(db.insertTitle({ 0, QStringLiteral("DOPO"), QString(), {}, 0, 0, {}, 0 }));
+        QCOMPARE(db.countTitles(), 51);
+    }
+
+    void creaArchivioCommand_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("stderrHas");
+
+        QTest::newRow("cartella nuova") << QStringList { "@/nuova/sotto" } << 0 << QString();
+        QTest::newRow("archivio esistente") << QStringList { "@" } << 1 << "esiste già: non lo sovrascrivo";
+        QTest::newRow("senza cartella") << QStringList {} << 2 << "Uso:";
+    }
+
+    // Creating never overwrites: an existing file is left as it was, with nothing half-made beside it.
+    void creaArchivioCommand()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(int, status);
+        QFETCH(QString, stderrHas);
+
+        makeFilled(path());
+        const QByteArray before = readAll(path());
+        args.replaceInStrings("@", m_dir->path());
+        QProcess cli;
+        cli.start(QStringLiteral(VM_CLI_PATH), QStringList { "crea-archivio" } + args);
+        QVERIFY(cli.waitForFinished());
+        const QString err = QString::fromUtf8(cli.readAllStandardError());
+        QCOMPARE(cli.exitCode(), status);
+        QVERIFY2(err.contains(stderrHas), qPrintable(err));
+        QCOMPARE(readAll(path()), before);
+        QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+        if (status == 0) {
+            Database db;
+            QVERIFY(db.open(QDir(args.first()).filePath("valorimetrico.mdb")).ok());
+            QCOMPARE(db.countTitles(), 0);
+        }
+    }
 
 private:
     QString path(const char *name = "valorimetrico.mdb") const { return m_dir->filePath(QString::fromLatin1(name)); }
     std::unique_ptr<QTemporaryDir> m_dir;
 };
-
-void TestDatabase::createRefusesAnExistingFile()
-{
-    writeAll(path(), "dati preziosi");
-    QCOMPARE(Database::create(path()).number, int(ErrAlreadyExists));
-    QCOMPARE(readAll(path()), QByteArray("dati preziosi"));
-    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), 1); // nothing half-made beside it
-}
-
-void TestDatabase::openRefusesBadFilesWithoutTouchingThem_data()
-{
-    QTest::addColumn<QByteArray>("bytes"); // written as the file unless null
-    QTest::addColumn<QString>("password"); // a database with rows, made with this password, unless null
-    QTest::addColumn<QString>("sql"); // then run on the file
-    QTest::addColumn<qint64>("garbleAt"); // then 400 bytes overwritten there
-    QTest::addColumn<qint64>("truncateTo");
-    QTest::addColumn<OpenOutcome>("outcome");
-    QTest::addColumn<int>("number");
-
-    const QString ours = QString::fromLatin1(kDatabasePassword);
-    const auto row = [](const char *name) -> QTestData & { return QTest::newRow(name); };
-    using O = OpenOutcome;
-    row("mancante") << QByteArray() << QString() << "" << 0LL << 0LL << O::Failed << int(ErrFileNotFound);
-    row("vuoto") << QByteArray("") << QString() << "" << 0LL << 0LL << O::AccessDenied << int(ErrAccessDenied);
-    row("testo") << QByteArray("SQLite format 3 ma no\n").repeated(9) << QString() << "" << 0LL << 0LL
-                 << O::AccessDenied << int(ErrAccessDenied);
-    row("sqlite di altri") << QByteArray() << QString() << "CREATE TABLE clienti (nome TEXT)" << 0LL << 0LL
-                           << O::AccessDenied << int(ErrAccessDenied);
-    row("password diversa") << QByteArray() << "un'altra"
-                            << "" << 0LL << 0LL << O::AccessDenied << int(ErrAccessDenied);
-    row("impronta alterata") << QByteArray() << ours << "UPDATE Firma SET impronta = 'x'" << 0LL << 0LL
-                             << O::AccessDenied << int(ErrAccessDenied);
-    row("schema danneggiato") << QByteArray() << ours << "" << 100LL << 0LL << O::Failed << int(ErrDamaged);
-    row("tabella danneggiata") << QByteArray() << ours << "" << 2 * 4096LL + 8 << 0LL << O::Failed << int(ErrDamaged);
-    row("troncato") << QByteArray() << ours << "" << 0LL << 3 * 4096LL << O::Failed << int(ErrDamaged);
-    row("versione successiva") << QByteArray() << ours << "PRAGMA user_version = 99" << 0LL << 0LL << O::Failed
-                               << int(ErrNewerVersion);
-}
-
-void TestDatabase::openRefusesBadFilesWithoutTouchingThem()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, password);
-    QFETCH(QString, sql);
-    QFETCH(qint64, garbleAt);
-    QFETCH(qint64, truncateTo);
-    QFETCH(OpenOutcome, outcome);
-    QFETCH(int, number);
-
-    const QString file = path();
-    if (!bytes.isNull())
-        writeAll(file, bytes);
-    if (!password.isNull())
-        makeFilled(file, password);
-    if (!sql.isEmpty())
-        QCOMPARE(runRawSql(file, { sql }), QString());
-    if (garbleAt)
-        overwrite(file, garbleAt, 400);
-    if (truncateTo)
-        QVERIFY(QFile::resize(file, truncateTo));
-    const QByteArray before = readAll(file);
-
-    Database db;
-    const OpenResult result = db.open(file);
-    QCOMPARE(result.outcome, outcome);
-    QCOMPARE(result.error.number, number);
-    QVERIFY(!db.isOpen());
-    if (outcome == OpenOutcome::AccessDenied)
-        QCOMPARE(result.error.message, QStringLiteral("Accesso ai dati non consentito"));
-    else
-        QCOMPARE(result.error.message, QStringLiteral("Errore %1").arg(number));
-    QCOMPARE(readAll(file), before);
-    QCOMPARE(QFileInfo::exists(file), number != ErrFileNotFound);
-    // Nothing the engine might leave behind (journal, scratch files).
-    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden).size(), number == ErrFileNotFound ? 0 : 1);
-}
-
-void TestDatabase::randomDamageNeverCrashesNorWrites()
-{
-    makeFilled(path("integro.mdb"));
-    const QByteArray pristine = readAll(path("integro.mdb"));
-    QRandomGenerator random(20261123);
-    for (int round = 0; round < 40; ++round) {
-        QByteArray bytes = pristine;
-        // The header stays, so that the engine itself meets the damage.
-        const qsizetype at = 100 + random.bounded(bytes.size() - 100);
-        const qsizetype length = std::min<qsizetype>(1 + random.bounded(600), bytes.size() - at);
-        for (qsizetype i = 0; i < length; ++i)
-            bytes[at + i] = char(random.bounded(256));
-        writeAll(path(), bytes);
-
-        Database db;
-        const OpenResult result = db.open(path());
-        QVERIFY2(result.ok() || result.error.number == ErrDamaged || result.error.number == ErrAccessDenied,
-            qPrintable(QStringLiteral("giro %1: %2").arg(round).arg(result.error.detail)));
-        // Reading whatever survived must not crash either.
-        for (const DossierRow &row : db.dossierRows())
-            db.operationsOfTitle(row.idTitolo);
-        db.groupSizes();
-        db.folders();
-        db.close();
-        QVERIFY2(readAll(path()) == bytes, qPrintable(QStringLiteral("giro %1").arg(round)));
-    }
-}
-
-void TestDatabase::secondCopyIsRefusedWhileTheFirstHoldsTheFile()
-{
-    makeFilled(path());
-    Database first;
-    QVERIFY(first.open(path()).ok());
-
-    Database second;
-    const OpenResult refused = second.open(path());
-    QCOMPARE(refused.outcome, OpenOutcome::Locked);
-    QCOMPARE(refused.error.number, int(ErrLocked));
-    QVERIFY(refused.error.message.contains(QStringLiteral("già aperto")));
-
-    // The first copy goes on working, and the second gets the file once the first lets go.
-    QVERIFY(first.insertTitle({ 0, QStringLiteral("NUOVO"), QStringLiteral("Nuovo"), {}, 1, 1, {}, 0 }));
-    QCOMPARE(first.countTitles(), 51);
-    first.close();
-    QVERIFY(second.open(path()).ok());
-    QCOMPARE(second.countTitles(), 51);
-}
-
-void TestDatabase::olderVersionIsMigratedInOneStep()
-{
-    makeFilled(path());
-    QCOMPARE(runRawSql(path(), { QStringLiteral("DROP INDEX IDDossier"), QStringLiteral("PRAGMA user_version = 1") }),
-        QString());
-    {
-        Database db;
-        QVERIFY(db.open(path()).ok());
-        QCOMPARE(db.countTitles(), 50);
-    }
-    QCOMPARE(rawValue(path(), "PRAGMA user_version").toInt(), kSchemaVersion);
-    QCOMPARE(rawValue(path(), "SELECT count(*) FROM sqlite_master WHERE name = 'IDDossier'").toInt(), 1);
-}
-
-namespace {
-enum class Change { Purchase, DeleteTitle, Rename, DeleteLastOperation, ReplaceFolders };
-}
-
-void TestDatabase::multiTableChangeRollsBackWhenItsSecondWriteFails_data()
-{
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<QString>("trigger");
-
-    const QString abort = QStringLiteral(" BEGIN SELECT RAISE(ABORT, 'guasto simulato'); END");
-    QTest::newRow("acquisto") << Change::Purchase
-                              << QStringLiteral("CREATE TRIGGER t BEFORE INSERT ON Operazioni") + abort;
-    QTest::newRow("rimozione titolo") << Change::DeleteTitle
-                                      << QStringLiteral("CREATE TRIGGER t BEFORE DELETE ON Operazioni") + abort;
-    QTest::newRow("cambio nome") << Change::Rename
-                                 << QStringLiteral("CREATE TRIGGER t BEFORE UPDATE ON giornata") + abort;
-    QTest::newRow("ultima operazione") << Change::DeleteLastOperation
-                                       << QStringLiteral("CREATE TRIGGER t BEFORE DELETE ON dossier") + abort;
-    QTest::newRow("cartelle") << Change::ReplaceFolders
-                              << QStringLiteral("CREATE TRIGGER t BEFORE INSERT ON directory WHEN NEW.path = 'b/'")
-            + abort;
-}
-
-void TestDatabase::multiTableChangeRollsBackWhenItsSecondWriteFails()
-{
-    QFETCH(Change, change);
-    QFETCH(QString, trigger);
-
-    QVERIFY(!Database::create(path()).failed());
-    const Operazione aq { 0, 0, QDate(2024, 1, 2), QStringLiteral("AQ"), QDate(2024, 1, 2), QStringLiteral("Eni"),
-        QStringLiteral("ENI"), 10, 100, QString() };
-    {
-        Database db;
-        QVERIFY(db.open(path()).ok());
-        QVERIFY(db.recordPurchase(
-            { 0, QStringLiteral("ENI"), QStringLiteral("Eni"), QDate(2024, 1, 2), 10, 100, {}, 0 }, aq));
-        QVERIFY(db.replaceFolders({ QStringLiteral("x/") }));
-    }
-    QCOMPARE(runRawSql(path(), { QStringLiteral("INSERT INTO giornata VALUES ('ENI', 'Eni')"), trigger }), QString());
-
-    Database db;
-    QVERIFY(db.open(path()).ok());
-    const QList<DossierRow> titlesBefore = db.dossierRows();
-    QCOMPARE(titlesBefore.size(), 1);
-    const qint64 id = titlesBefore.first().idTitolo;
-    bool done = true;
-    switch (change) {
-    case Change::Purchase:
-        done = db.recordPurchase({ 0, QStringLiteral("ENEL"), QStringLiteral("Enel"), {}, 5, 10, {}, 0 }, aq)
-                   .has_value();
-        break;
-    case Change::DeleteTitle:
-        done = db.deleteTitle(id);
-        break;
-    case Change::Rename:
-        done = db.renameTitle(id, QStringLiteral("ENI2"), QStringLiteral("Eni nuova"), QStringLiteral("ENI"));
-        break;
-    case Change::DeleteLastOperation:
-        done = db.deleteOperation(db.operationsOfTitle(id).first().idArchivioDossier, id).ok;
-        break;
-    case Change::ReplaceFolders:
-        done = db.replaceFolders({ QStringLiteral("a/"), QStringLiteral("b/") });
-        break;
-    }
-    QVERIFY(!done);
-    QVERIFY(db.lastError().failed());
-    const QList<DossierRow> titlesAfter = db.dossierRows();
-    QCOMPARE(titlesAfter.size(), 1);
-    QCOMPARE(titlesAfter.first().titolo, QStringLiteral("ENI"));
-    QCOMPARE(db.operationsOfTitle(id).size(), 1);
-    QCOMPARE(db.operationsOfTitle(id).first().ticker, QStringLiteral("ENI"));
-    QCOMPARE(db.folders(), QStringList { QStringLiteral("x/") });
-    // The failed change left no transaction open behind it.
-    QVERIFY(db.insertStorico({ 0, QDate(2024, 2, 1), 1, 2 }));
-}
-
-void TestDatabase::compactionTwiceKeepsTheDataAndRemovesLeftovers()
-{
-    makeFilled(path());
-    writeAll(path("temp.mdb"), "avanzo di una compattazione interrotta");
-    Database db;
-    QVERIFY(db.open(path()).ok());
-    // Space freed by deletions is what compaction gives back.
-    for (int i = 0; i < 40; ++i)
-        QVERIFY(
-            db.insertTitle({ 0, QStringLiteral("BIG%1").arg(i), QString(20000, QLatin1Char('x')), {}, 0, 0, {}, 0 }));
-    for (int i = 0; i < 40; ++i)
-        QVERIFY(db.deleteTitle(db.findTitleBySymbol(QStringLiteral("BIG%1").arg(i))->idTitolo));
-    for (int i = 0; i < 40; ++i)
-        QVERIFY(db.deleteTitle(db.dossierRows().first().idTitolo));
-    const qint64 sizeBefore = QFileInfo(path()).size();
-
-    for (int round = 0; round < 2; ++round) {
-        const StoreError error = db.compact();
-        QVERIFY2(!error.failed(), qPrintable(error.detail));
-        QVERIFY(db.isOpen());
-        QCOMPARE(db.countTitles(), 10);
-        QCOMPARE(db.dossierRows().first().titolo, QStringLiteral("T40"));
-        QVERIFY(!QFileInfo::exists(path("temp.mdb")));
-    }
-    QVERIFY(QFileInfo(path()).size() < sizeBefore);
-    // Still held exclusively after the reopen, and still this program's file.
-    Database other;
-    QCOMPARE(other.open(path()).outcome, OpenOutcome::Locked);
-    db.close();
-    QVERIFY(other.open(path()).ok());
-    other.close();
-    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden), QStringList { "valorimetrico.mdb" });
-}
-
-void TestDatabase::compactionFailureLeavesTheDatabaseUsable()
-{
-    makeFilled(path());
-    // A leftover that cannot be removed: a folder with something in it.
-    QVERIFY(QDir(m_dir->path()).mkpath(QStringLiteral("temp.mdb/dentro")));
-    Database db;
-    QVERIFY(db.open(path()).ok());
-    const StoreError error = db.compact();
-    QVERIFY(error.failed());
-    QCOMPARE(error.message, QStringLiteral("Errore %1").arg(error.number));
-    QVERIFY(db.isOpen());
-    QCOMPARE(db.countTitles(), 50);
-    QVERIFY(db.insertTitle({ 0, QStringLiteral("DOPO"), QString(), {}, 0, 0, {}, 0 }));
-    QCOMPARE(db.countTitles(), 51);
-}
-
-void TestDatabase::creaArchivioCommand_data()
-{
-    QTest::addColumn<QStringList>("args");
-    QTest::addColumn<bool>("existing");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("stderrHas");
-
-    QTest::newRow("cartella nuova") << QStringList { QStringLiteral("@/nuova/sotto") } << false << 0 << QString();
-    QTest::newRow("archivio esistente") << QStringList { QStringLiteral("@") } << true << 1
-                                        << QStringLiteral("esiste già: non lo sovrascrivo");
-    QTest::newRow("senza cartella") << QStringList {} << false << 2 << QStringLiteral("Uso:");
-}
-
-void TestDatabase::creaArchivioCommand()
-{
-    QFETCH(QStringList, args);
-    QFETCH(bool, existing);
-    QFETCH(int, status);
-    QFETCH(QString, stderrHas);
-
-    if (existing)
-        makeFilled(path());
-    const QByteArray before = readAll(path());
-    for (QString &a : args)
-        a.replace(QLatin1Char('@'), m_dir->path());
-    QProcess cli;
-    cli.start(QStringLiteral(VM_CLI_PATH), QStringList { QStringLiteral("crea-archivio") } + args);
-    QVERIFY(cli.waitForFinished());
-    const QString err = QString::fromUtf8(cli.readAllStandardError());
-    QCOMPARE(cli.exitCode(), status);
-    if (!stderrHas.isEmpty())
-        QVERIFY2(err.contains(stderrHas), qPrintable(err));
-    if (existing)
-        QCOMPARE(readAll(path()), before);
-    if (status == 0 && !args.contains(QStringLiteral("--help"))) {
-        Database db;
-        QVERIFY(db.open(QDir(args.first()).filePath(QStringLiteral("valorimetrico.mdb"))).ok());
-        QCOMPARE(db.countTitles(), 0);
-    }
-}
 
 QTEST_GUILESS_MAIN(TestDatabase)
 #include "tst_database.moc"

@@ -8,7 +8,7 @@
 #include <QTest>
 
 using namespace vm::store;
-using vm::test::rawValue;
+using vm::test::rawSql;
 
 namespace {
 
@@ -37,364 +37,318 @@ class TestStatements : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init()
+    {
+        m_path = m_dir.filePath(QStringLiteral("%1-%2.mdb").arg(QTest::currentTestFunction(), QTest::currentDataTag()));
+        QVERIFY(!Database::create(m_path).failed());
+        QVERIFY(m_db.open(m_path).ok());
+    }
     void cleanup() { m_db.close(); }
 
-    void titleRoundTrip_data();
-    void titleRoundTrip();
-    void symbolIsUniqueWhateverTheCase();
-    void titlesAndTheirOperations();
-    void groupedChangesStandOrFallTogether();
-    void operationsOfKind_data();
-    void operationsOfKind();
-    void deleteOperation_data();
-    void deleteOperation();
-    void storicoFoundToTheCent_data();
-    void storicoFoundToTheCent();
-    void storicoPeriodIsByDay_data();
-    void storicoPeriodIsByDay();
-    void groups_data();
-    void groups();
-    void foldersPasswordAndLog();
-    void renameCarriesSymbolAndName();
+    void titleRoundTrip_data()
+    {
+        QTest::addColumn<DossierRow>("row");
+        QTest::newRow("completo") << DossierRow { 0, "ENI", "Eni", QDate(2004, 2, 3), 12.345, 150, QDate(2024, 5, 20),
+            0.35 };
+        QTest::newRow("apici e sql") << DossierRow { 0, "X'); DROP TABLE dossier; --", "L'Oréal \"ord.\"", {}, -3, -2,
+            {}, 0 };
+    }
+
+    void titleRoundTrip()
+    {
+        QFETCH(DossierRow, row);
+        QVERIFY(m_db.insertTitle(title("PRIMA")));
+        row.idTitolo = m_db.insertTitle(row).value();
+        QCOMPARE(m_db.findTitleBySymbol(row.titolo), row);
+        QCOMPARE(m_db.findTitleById(row.idTitolo), row);
+        QCOMPARE(m_db.dossierRows().last(), row);
+        QVERIFY(!m_db.findTitleBySymbol(row.titolo + 'X'));
+        QVERIFY(!m_db.findTitleById(row.idTitolo + 1));
+        // The symbol is unique whatever the case.
+        QVERIFY(!m_db.insertTitle(title(row.titolo.toLower())));
+        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
+        QCOMPARE(m_db.countTitles(), 2);
+    }
+
+    void titlesAndTheirOperations()
+    {
+        const qint64 keep = m_db.recordPurchase(title("KEEP"), op("AQ", QDate(2024, 1, 1), 100)).value();
+        const qint64 gone = m_db.recordPurchase(title("GONE"), op("AQ", QDate(2024, 1, 1), 5)).value();
+        const QList<Operazione> first = m_db.operationsOfTitle(keep);
+        QCOMPARE(first.size(), 1);
+        QCOMPARE(first[0].idDossier, keep);
+        QCOMPARE(first[0].inser, QDate::currentDate());
+        QCOMPARE(first[0].note, QStringLiteral("nota d'acquisto"));
+        QCOMPARE(first[0].tot(), 1000.0);
+
+        // A further purchase, then a sale that leaves shares: the row follows, the operations add up.
+        DossierRow row = *m_db.findTitleById(keep);
+        row.qta = 150;
+        row.prezzo = 11;
+        row.dataStacco = QDate(2024, 3, 4);
+        QVERIFY(m_db.recordOperation(row, op("AQ", QDate(2024, 2, 1), 50, 13)));
+        row.qta = 110;
+        QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 3, 1), 40, 12)));
+        QCOMPARE(m_db.findTitleById(keep)->qta, 110);
+        QCOMPARE(m_db.findTitleById(keep)->dataStacco, QDate(2024, 3, 4));
+        QCOMPARE(quantities(m_db.operationsOfTitle(keep)), (QList<qint64> { 100, 50, 40 }));
+        row.dataStacco = QDate();
+        QVERIFY(m_db.updateTitle(row));
+        QVERIFY(!m_db.findTitleById(keep)->dataStacco.isValid());
+
+        // An operation for a title that is not there is refused.
+        row.idTitolo = 999;
+        QVERIFY(!m_db.recordOperation(row, op("VE", QDate(2024, 3, 2), 1)));
+        QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
+        QVERIFY(m_db.operationsOfTitle(999).isEmpty());
+
+        // Selling everything removes the title; its operations stay, the sale included.
+        QVERIFY(m_db.recordSaleOfAll(gone, op("VE", QDate(2024, 4, 1), 5)));
+        QVERIFY(!m_db.findTitleById(gone));
+        QCOMPARE(quantities(m_db.operationsOfTitle(gone)), (QList<qint64> { 5, 5 }));
+        // Removing a title takes its operations with it, and its counter is not given again.
+        QVERIFY(m_db.deleteTitle(keep));
+        QVERIFY(m_db.operationsOfTitle(keep).isEmpty());
+        QCOMPARE(m_db.operationsOfTitle(gone).size(), 2);
+        QVERIFY(m_db.insertTitle(title("NEW")).value() > gone);
+        QCOMPARE(m_db.countTitles(), 1);
+    }
+
+    void groupedChangesStandOrFallTogether()
+    {
+        const Operazione aq = op("AQ", QDate(2024, 1, 1), 1);
+        QVERIFY(m_db.transaction([&] { return m_db.recordPurchase(title("A"), aq) && m_db.insertStorico({}); }));
+        // The second purchase fails on the symbol already held; the first, inside the same change, goes too.
+        QVERIFY(!m_db.transaction(
+            [&] { return m_db.recordPurchase(title("B"), aq).has_value() && m_db.recordPurchase(title("a"), aq); }));
+        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
+        QVERIFY(!m_db.transaction([&] { return m_db.insertTitle(title("C")) && false; }));
+        QStringList symbols;
+        for (const DossierRow &row : m_db.dossierRows())
+            symbols << row.titolo;
+        QCOMPARE(symbols, QStringList { "A" });
+        QCOMPARE(m_db.storicoRows().size(), 1);
+        // Nothing was left open: what follows is written for good.
+        QVERIFY(m_db.insertTitle(title("D")));
+        m_db.close();
+        QVERIFY(m_db.open(m_path).ok());
+        QCOMPARE(m_db.countTitles(), 2);
+    }
+
+    void operationsOfKind_data()
+    {
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QList<qint64>>("expected"); // quantities, in date order
+
+        QTest::newRow("tutte") << "*" << QList<qint64> { 1, 3, 2, 4 };
+        QTest::newRow("acquisti") << "AQ" << QList<qint64> { 1, 3 };
+        QTest::newRow("minuscolo, un carattere") << "?e" << QList<qint64> { 2, 4 };
+        QTest::newRow("percento letterale") << "%" << QList<qint64> {};
+        QTest::newRow("apice") << "A'" << QList<qint64> {};
+    }
+
+    void operationsOfKind()
+    {
+        QFETCH(QString, pattern);
+        QFETCH(QList<qint64>, expected);
+
+        const qint64 id = m_db.recordPurchase(title("ENI"), op("AQ", QDate(2024, 1, 15), 3)).value();
+        QVERIFY(m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 99)));
+        const DossierRow row = *m_db.findTitleById(id);
+        // Entered out of date order; 3 February comes before 2 March.
+        QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 3, 2), 4)));
+        QVERIFY(m_db.recordOperation(row, op("AQ", QDate(2023, 12, 31), 1)));
+        QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 2, 3), 2)));
+        QCOMPARE(quantities(m_db.operationsOfKind(id, pattern)), expected);
+    }
+
+    void deleteOperation_data()
+    {
+        QTest::addColumn<bool>("onlyOne");
+        QTest::addColumn<bool>("recompute");
+        QTest::addColumn<qint64>("qtaAfter"); // -1: the title is gone
+
+        QTest::newRow("l'unica") << true << true << qint64(-1);
+        QTest::newRow("ne resta una, ricalcolata") << false << true << qint64(10);
+        QTest::newRow("ne resta una, riga invariata") << false << false << qint64(30);
+    }
+
+    void deleteOperation()
+    {
+        QFETCH(bool, onlyOne);
+        QFETCH(bool, recompute);
+        QFETCH(qint64, qtaAfter);
+
+        const qint64 id = m_db.recordPurchase(title("ENI", "Eni", 30), op("AQ", QDate(2024, 1, 1), 10)).value();
+        const qint64 bystander = m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 1)).value();
+        if (!onlyOne)
+            QVERIFY(m_db.recordOperation(*m_db.findTitleById(id), op("AQ", QDate(2024, 2, 1), 20)));
+        const RecomputeTitle sum = [](DossierRow row, const QList<Operazione> &remaining) {
+            row.qta = 0;
+            for (const Operazione &o : remaining)
+                row.qta += o.qta;
+            return row;
+        };
+        const RecomputeTitle rule = recompute ? sum : RecomputeTitle();
+        const DeleteOperationResult result
+            = m_db.deleteOperation(m_db.operationsOfTitle(id).last().idArchivioDossier, id, rule);
+        QVERIFY(result.ok);
+        QCOMPARE(result.titleDeleted, qtaAfter < 0);
+        QCOMPARE(result.remaining.size(), onlyOne ? 0 : 1);
+        QCOMPARE(m_db.findTitleById(id).has_value(), qtaAfter >= 0);
+        if (qtaAfter >= 0)
+            QCOMPARE(m_db.findTitleById(id)->qta, qtaAfter);
+        QCOMPARE(m_db.operationsOfTitle(bystander).size(), 1);
+        QVERIFY(m_db.findTitleById(bystander));
+    }
+
+    void storicoFoundToTheCent_data()
+    {
+        QTest::addColumn<double>("stored");
+        QTest::addColumn<double>("probe");
+        QTest::addColumn<bool>("found");
+
+        QTest::newRow("uguale") << 12345.67 << 12345.67 << true;
+        QTest::newRow("stesso centesimo arrotondato") << 12345.674 << 12345.666 << true;
+        QTest::newRow("un centesimo di differenza") << 12345.67 << 12345.68 << false;
+        QTest::newRow("non un numero") << 1.0 << qQNaN() << false;
+    }
+
+    void storicoFoundToTheCent()
+    {
+        QFETCH(double, stored);
+        QFETCH(double, probe);
+        QFETCH(bool, found);
+
+        QVERIFY(m_db.insertStorico({ 0, QDate(2024, 1, 1), 1, stored + 0.02 }));
+        const qint64 id = m_db.insertStorico({ 0, QDate(2024, 1, 2), 1000, stored }).value();
+        QVERIFY(m_db.insertStorico({ 0, QDate(2024, 1, 3), 1, stored - 0.02 }));
+        const std::optional<StoricoRow> row = m_db.findStoricoByAttuale(probe);
+        QCOMPARE(row.has_value(), found);
+        if (found)
+            QCOMPARE(row->id, id);
+        QVERIFY(m_db.deleteStorico(id));
+        QVERIFY(!m_db.findStoricoByAttuale(stored));
+        QCOMPARE(m_db.storicoRows().size(), 2);
+    }
+
+    void storicoPeriodIsByDay_data()
+    {
+        QTest::addColumn<QDate>("first");
+        QTest::addColumn<QDate>("last");
+        QTest::addColumn<QList<qint64>>("ids"); // in date order
+
+        // Rows: 1 = 3 Feb 2004, 2 = 2 Mar 2004, 3 = 31 Dec 2003, 4 = 3 Feb 2004 again.
+        QTest::newRow("estremi inclusi") << QDate(2004, 2, 3) << QDate(2004, 3, 2) << QList<qint64> { 1, 4, 2 };
+        QTest::newRow("a cavallo dell'anno") << QDate(2003, 12, 31) << QDate(2004, 2, 3) << QList<qint64> { 3, 1, 4 };
+    }
+
+    void storicoPeriodIsByDay()
+    {
+        QFETCH(QDate, first);
+        QFETCH(QDate, last);
+        QFETCH(QList<qint64>, ids);
+
+        for (const QDate &d : { QDate(2004, 2, 3), QDate(2004, 3, 2), QDate(2003, 12, 31), QDate(2004, 2, 3) })
+            QVERIFY(m_db.insertStorico({ 0, d, 1, 2 }));
+        QList<qint64> got;
+        for (const StoricoRow &r : m_db.storicoInPeriod(first, last))
+            got << r.id;
+        QCOMPARE(got, ids);
+    }
+
+    // Quotes in names and groups, and text that would be SQL if pasted into a statement.
+    void groups()
+    {
+        const QString group = "L'anno'; DELETE FROM Gruppi; --", name = "Dell'Acqua' OR '1'='1";
+
+        QCOMPARE(m_db.addToGroup({ 0, group, "S1", name }), GroupAdd::Added);
+        QCOMPARE(m_db.addToGroup({ 0, group, "S2", "Secondo" }), GroupAdd::Added);
+        QCOMPARE(m_db.addToGroup({ 0, group.toUpper(), "S9", name.toLower() }), GroupAdd::AlreadyPresent);
+        QCOMPARE(m_db.addToGroup({ 0, "Altro", "S1", name }), GroupAdd::Added);
+
+        QVERIFY(m_db.groupExists(group));
+        QVERIFY(!m_db.groupExists(group + "x"));
+        QStringList sorted { group, "Altro" };
+        sorted.sort(Qt::CaseInsensitive);
+        QCOMPARE(m_db.groups(), sorted);
+        QCOMPARE(m_db.symbolsOfGroup(group), (QStringList { "S1", "S2" }));
+        QCOMPARE(m_db.titlesOfGroup(group).first().titolo, name);
+        for (const GruppoSize &size : m_db.groupSizes())
+            QCOMPARE(size.conteggio, size.gruppo == group ? 2 : 1);
+
+        QVERIFY(m_db.removeFromGroup(group, name));
+        QCOMPARE(m_db.symbolsOfGroup(group), QStringList { "S2" });
+        QCOMPARE(m_db.symbolsOfGroup("Altro"), QStringList { "S1" });
+        QVERIFY(m_db.deleteGroup(group));
+        QCOMPARE(m_db.groups(), QStringList { "Altro" });
+    }
+
+    void foldersPasswordAndLog()
+    {
+        QVERIFY(m_db.replaceFolders({ "/z/", "/dati/l'archivio/", "/a/" }));
+        QCOMPARE(m_db.folders(), (QStringList { "/z/", "/dati/l'archivio/", "/a/" }));
+        QVERIFY(m_db.replaceFolders({ "/b/" }));
+        QCOMPARE(m_db.folders(), QStringList { "/b/" });
+
+        QVERIFY(!m_db.dossierPassword() && !m_db.isDossierProtected());
+        QVERIFY(m_db.setDossierPassword("d'e"));
+        QVERIFY(m_db.isDossierProtected());
+        QVERIFY(m_db.setDossierPassword("   ")); // saving blanks is how the password is removed
+        QCOMPARE(m_db.dossierPassword().value(), QStringLiteral("   "));
+        QVERIFY(!m_db.isDossierProtected());
+
+        QVERIFY(m_db.appendArchiveLog({ QDate(), "zip", "Rimozione", "Titolo 'X' rimosso" }));
+        m_db.close();
+        QCOMPARE(rawSql(m_path, { "SELECT count(*) FROM PASSW" }).toInt(), 1);
+        QCOMPARE(
+            rawSql(m_path, { "SELECT data FROM LOG_ARCHIVIO WHERE Descrizione = 'Titolo ''X'' rimosso'" }).toString(),
+            QDate::currentDate().toString(Qt::ISODate));
+    }
+
+    void renameCarriesSymbolAndName()
+    {
+        m_db.close();
+        QCOMPARE(rawSql(m_path,
+                     { "INSERT INTO giornata VALUES ('OLD', 'Vecchio'), ('old', 'minuscolo'),"
+                       " ('ALTRO', 'Altro')" }),
+            QVariant());
+        QVERIFY(m_db.open(m_path).ok());
+        const qint64 id = m_db.recordPurchase(title("OLD", "Vecchio"), op("AQ", QDate(2024, 1, 1), 5)).value();
+        const qint64 other = m_db.recordPurchase(title("ALTRO"), op("AQ", QDate(2024, 1, 1), 7)).value();
+        QVERIFY(m_db.recordOperation(*m_db.findTitleById(id), op("VE", QDate(2024, 2, 1), 2, 12)));
+
+        // A symbol another title holds is refused and changes nothing.
+        QVERIFY(!m_db.renameTitle(id, "altro", "Nuovo", "OLD"));
+        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
+        QCOMPARE(m_db.findTitleById(id)->descrizione, QStringLiteral("Vecchio"));
+        QVERIFY(!m_db.renameTitle(id + 100, "NEW'S", "L'erede", "OLD"));
+        QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
+
+        QVERIFY(m_db.renameTitle(id, "NEW'S", "L'erede", "OLD"));
+        const DossierRow row = *m_db.findTitleById(id);
+        QCOMPARE(row.titolo, QStringLiteral("NEW'S"));
+        QCOMPARE(row.descrizione, QStringLiteral("L'erede"));
+        QCOMPARE(row.qta, 100);
+        for (const Operazione &o : m_db.operationsOfTitle(id)) {
+            QCOMPARE(o.titolo, QStringLiteral("L'erede"));
+            QCOMPARE(o.ticker, QStringLiteral("NEW'S"));
+        }
+        QCOMPARE(m_db.operationsOfTitle(id).last().valore, 12.0);
+        QCOMPARE(m_db.operationsOfTitle(other).first().ticker, QStringLiteral("SYM"));
+        m_db.close();
+        QCOMPARE(
+            rawSql(m_path, { "SELECT count(*) FROM giornata WHERE tiker = 'NEW''S' AND titolo = 'L''erede'" }).toInt(),
+            2);
+        QCOMPARE(
+            rawSql(m_path, { "SELECT count(*) FROM giornata WHERE tiker = 'ALTRO' AND titolo = 'Altro'" }).toInt(), 1);
+    }
 
 private:
     QTemporaryDir m_dir;
     QString m_path;
     Database m_db;
 };
-
-void TestStatements::init()
-{
-    m_path = m_dir.filePath(QStringLiteral("%1-%2.mdb").arg(QTest::currentTestFunction(), QTest::currentDataTag()));
-    QVERIFY(!Database::create(m_path).failed());
-    QVERIFY(m_db.open(m_path).ok());
-}
-
-void TestStatements::titleRoundTrip_data()
-{
-    QTest::addColumn<DossierRow>("row");
-    QTest::newRow("completo") << DossierRow { 0, "ENI", "Eni", QDate(2004, 2, 3), 12.345, 150, QDate(2024, 5, 20),
-        0.35 };
-    QTest::newRow("senza date") << DossierRow { 0, "ENEL", "Enel", QDate(), 5.5, 1, QDate(), 0 };
-    QTest::newRow("apici e sql") << DossierRow { 0, "X'); DROP TABLE dossier; --", "L'Oréal \"ord.\"", {}, -3, -2, {},
-        0 };
-}
-
-void TestStatements::titleRoundTrip()
-{
-    QFETCH(DossierRow, row);
-    QVERIFY(m_db.insertTitle(title("PRIMA")));
-    row.idTitolo = m_db.insertTitle(row).value();
-    QCOMPARE(m_db.findTitleBySymbol(row.titolo), row);
-    QCOMPARE(m_db.findTitleById(row.idTitolo), row);
-    QCOMPARE(m_db.dossierRows().last(), row);
-    QCOMPARE(m_db.countTitles(), 2);
-    QVERIFY(!m_db.findTitleBySymbol(row.titolo + 'X'));
-    QVERIFY(!m_db.findTitleById(row.idTitolo + 1));
-    QVERIFY(!m_db.lastError().failed());
-}
-
-void TestStatements::symbolIsUniqueWhateverTheCase()
-{
-    QVERIFY(m_db.insertTitle(title("L'ENI")));
-    QVERIFY(!m_db.insertTitle(title("l'eni")));
-    QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
-    // A purchase of a title already held writes neither row.
-    QVERIFY(!m_db.recordPurchase(title("L'ENI"), op("AQ", QDate(2024, 1, 1), 1)));
-    QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
-    QCOMPARE(m_db.countTitles(), 1);
-    m_db.close();
-    QCOMPARE(rawValue(m_path, "SELECT count(*) FROM Operazioni").toInt(), 0);
-}
-
-void TestStatements::titlesAndTheirOperations()
-{
-    const qint64 keep = m_db.recordPurchase(title("KEEP"), op("AQ", QDate(2024, 1, 1), 100)).value();
-    const qint64 gone = m_db.recordPurchase(title("GONE"), op("AQ", QDate(2024, 1, 1), 5)).value();
-    QVERIFY(gone > keep);
-    const QList<Operazione> first = m_db.operationsOfTitle(keep);
-    QCOMPARE(first.size(), 1);
-    QCOMPARE(first[0].idDossier, keep);
-    QCOMPARE(first[0].inser, QDate::currentDate());
-    QCOMPARE(first[0].note, QStringLiteral("nota d'acquisto"));
-    QCOMPARE(first[0].tot(), 1000.0);
-
-    // A further purchase, then a sale that leaves shares: the row follows, the operations add up.
-    DossierRow row = *m_db.findTitleById(keep);
-    row.qta = 150;
-    row.prezzo = 11;
-    row.dataStacco = QDate(2024, 3, 4);
-    QVERIFY(m_db.recordOperation(row, op("AQ", QDate(2024, 2, 1), 50, 13)));
-    row.qta = 110;
-    QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 3, 1), 40, 12)));
-    QCOMPARE(m_db.findTitleById(keep)->qta, 110);
-    QCOMPARE(m_db.findTitleById(keep)->dataStacco, QDate(2024, 3, 4));
-    QCOMPARE(quantities(m_db.operationsOfTitle(keep)), (QList<qint64> { 100, 50, 40 }));
-    row.dataStacco = QDate();
-    QVERIFY(m_db.updateTitle(row));
-    QVERIFY(!m_db.findTitleById(keep)->dataStacco.isValid());
-
-    // An operation for a title that is not there is refused.
-    row.idTitolo = 999;
-    QVERIFY(!m_db.recordOperation(row, op("VE", QDate(2024, 3, 2), 1)));
-    QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
-    QVERIFY(m_db.operationsOfTitle(999).isEmpty());
-
-    // Selling everything removes the title; its operations stay, the sale included.
-    QVERIFY(m_db.recordSaleOfAll(gone, op("VE", QDate(2024, 4, 1), 5)));
-    QVERIFY(!m_db.findTitleById(gone));
-    QCOMPARE(quantities(m_db.operationsOfTitle(gone)), (QList<qint64> { 5, 5 }));
-    // Removing a title takes its operations with it, and its counter is not given again.
-    QVERIFY(m_db.deleteTitle(keep));
-    QVERIFY(m_db.operationsOfTitle(keep).isEmpty());
-    QCOMPARE(m_db.operationsOfTitle(gone).size(), 2);
-    QVERIFY(m_db.insertTitle(title("NEW")).value() > gone);
-    QCOMPARE(m_db.countTitles(), 1);
-}
-
-void TestStatements::groupedChangesStandOrFallTogether()
-{
-    const Operazione aq = op("AQ", QDate(2024, 1, 1), 1);
-    QVERIFY(m_db.transaction([&] { return m_db.recordPurchase(title("A"), aq) && m_db.insertStorico({}); }));
-    // The second purchase fails on the symbol already held; the first, inside the same change, goes too.
-    QVERIFY(!m_db.transaction(
-        [&] { return m_db.recordPurchase(title("B"), aq).has_value() && m_db.recordPurchase(title("a"), aq); }));
-    QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
-    QVERIFY(!m_db.transaction([&] { return m_db.insertTitle(title("C")) && false; }));
-    QStringList symbols;
-    for (const DossierRow &row : m_db.dossierRows())
-        symbols << row.titolo;
-    QCOMPARE(symbols, QStringList { "A" });
-    QCOMPARE(m_db.storicoRows().size(), 1);
-    // Nothing was left open: what follows is written for good.
-    QVERIFY(m_db.insertTitle(title("D")));
-    m_db.close();
-    QVERIFY(m_db.open(m_path).ok());
-    QCOMPARE(m_db.countTitles(), 2);
-}
-
-void TestStatements::operationsOfKind_data()
-{
-    QTest::addColumn<QString>("pattern");
-    QTest::addColumn<QList<qint64>>("expected"); // quantities, in date order
-
-    QTest::newRow("tutte") << "*" << QList<qint64> { 1, 3, 2, 4 };
-    QTest::newRow("acquisti") << "AQ" << QList<qint64> { 1, 3 };
-    QTest::newRow("minuscolo, un carattere") << "?e" << QList<qint64> { 2, 4 };
-    QTest::newRow("percento letterale") << "%" << QList<qint64> {};
-    QTest::newRow("apice") << "A'" << QList<qint64> {};
-}
-
-void TestStatements::operationsOfKind()
-{
-    QFETCH(QString, pattern);
-    QFETCH(QList<qint64>, expected);
-
-    const qint64 id = m_db.recordPurchase(title("ENI"), op("AQ", QDate(2024, 1, 15), 3)).value();
-    QVERIFY(m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 99)));
-    const DossierRow row = *m_db.findTitleById(id);
-    // Entered out of date order; 3 February comes before 2 March.
-    QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 3, 2), 4)));
-    QVERIFY(m_db.recordOperation(row, op("AQ", QDate(2023, 12, 31), 1)));
-    QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 2, 3), 2)));
-    QCOMPARE(quantities(m_db.operationsOfKind(id, pattern)), expected);
-}
-
-void TestStatements::deleteOperation_data()
-{
-    QTest::addColumn<bool>("onlyOne");
-    QTest::addColumn<bool>("recompute");
-    QTest::addColumn<qint64>("qtaAfter"); // -1: the title is gone
-
-    QTest::newRow("l'unica") << true << true << qint64(-1);
-    QTest::newRow("ne resta una, ricalcolata") << false << true << qint64(10);
-    QTest::newRow("ne resta una, riga invariata") << false << false << qint64(30);
-}
-
-void TestStatements::deleteOperation()
-{
-    QFETCH(bool, onlyOne);
-    QFETCH(bool, recompute);
-    QFETCH(qint64, qtaAfter);
-
-    const qint64 id = m_db.recordPurchase(title("ENI", "Eni", 30), op("AQ", QDate(2024, 1, 1), 10)).value();
-    const qint64 bystander = m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 1)).value();
-    if (!onlyOne)
-        QVERIFY(m_db.recordOperation(*m_db.findTitleById(id), op("AQ", QDate(2024, 2, 1), 20)));
-    RecomputeTitle rule;
-    if (recompute) {
-        rule = [](const DossierRow &current, const QList<Operazione> &remaining) {
-            DossierRow row = current;
-            row.qta = 0;
-            for (const Operazione &o : remaining)
-                row.qta += o.qta;
-            return row;
-        };
-    }
-    const DeleteOperationResult result
-        = m_db.deleteOperation(m_db.operationsOfTitle(id).last().idArchivioDossier, id, rule);
-    QVERIFY(result.ok);
-    QCOMPARE(result.titleDeleted, qtaAfter < 0);
-    QCOMPARE(result.remaining.size(), onlyOne ? 0 : 1);
-    QCOMPARE(m_db.findTitleById(id).has_value(), qtaAfter >= 0);
-    if (qtaAfter >= 0)
-        QCOMPARE(m_db.findTitleById(id)->qta, qtaAfter);
-    QCOMPARE(m_db.operationsOfTitle(bystander).size(), 1);
-    QVERIFY(m_db.findTitleById(bystander));
-}
-
-void TestStatements::storicoFoundToTheCent_data()
-{
-    QTest::addColumn<double>("stored");
-    QTest::addColumn<double>("probe");
-    QTest::addColumn<bool>("found");
-
-    QTest::newRow("uguale") << 12345.67 << 12345.67 << true;
-    QTest::newRow("stesso centesimo arrotondato") << 12345.674 << 12345.666 << true;
-    QTest::newRow("un centesimo di differenza") << 12345.67 << 12345.68 << false;
-    QTest::newRow("negativo") << -50.25 << -50.25 << true;
-    QTest::newRow("non un numero") << 1.0 << qQNaN() << false;
-}
-
-void TestStatements::storicoFoundToTheCent()
-{
-    QFETCH(double, stored);
-    QFETCH(double, probe);
-    QFETCH(bool, found);
-
-    QVERIFY(m_db.insertStorico({ 0, QDate(2024, 1, 1), 1, stored + 0.02 }));
-    const qint64 id = m_db.insertStorico({ 0, QDate(2024, 1, 2), 1000, stored }).value();
-    QVERIFY(m_db.insertStorico({ 0, QDate(2024, 1, 3), 1, stored - 0.02 }));
-    const std::optional<StoricoRow> row = m_db.findStoricoByAttuale(probe);
-    QCOMPARE(row.has_value(), found);
-    if (found)
-        QCOMPARE(row->id, id);
-    QVERIFY(m_db.deleteStorico(id));
-    QVERIFY(!m_db.findStoricoByAttuale(stored));
-    QCOMPARE(m_db.storicoRows().size(), 2);
-}
-
-void TestStatements::storicoPeriodIsByDay_data()
-{
-    QTest::addColumn<QDate>("first");
-    QTest::addColumn<QDate>("last");
-    QTest::addColumn<QList<qint64>>("ids"); // in date order
-
-    // Rows: 1 = 3 Feb 2004, 2 = 2 Mar 2004, 3 = 31 Dec 2003, 4 = 3 Feb 2004 again.
-    QTest::newRow("febbraio") << QDate(2004, 2, 1) << QDate(2004, 2, 29) << QList<qint64> { 1, 4 };
-    QTest::newRow("estremi inclusi") << QDate(2004, 2, 3) << QDate(2004, 3, 2) << QList<qint64> { 1, 4, 2 };
-    QTest::newRow("a cavallo dell'anno") << QDate(2003, 12, 31) << QDate(2004, 2, 3) << QList<qint64> { 3, 1, 4 };
-    QTest::newRow("vuoto") << QDate(2005, 1, 1) << QDate(2005, 12, 31) << QList<qint64> {};
-}
-
-void TestStatements::storicoPeriodIsByDay()
-{
-    QFETCH(QDate, first);
-    QFETCH(QDate, last);
-    QFETCH(QList<qint64>, ids);
-
-    for (const QDate &d : { QDate(2004, 2, 3), QDate(2004, 3, 2), QDate(2003, 12, 31), QDate(2004, 2, 3) })
-        QVERIFY(m_db.insertStorico({ 0, d, 1, 2 }));
-    QList<qint64> got;
-    for (const StoricoRow &r : m_db.storicoInPeriod(first, last))
-        got << r.id;
-    QCOMPARE(got, ids);
-}
-
-void TestStatements::groups_data()
-{
-    QTest::addColumn<QString>("group");
-    QTest::addColumn<QString>("name");
-    QTest::newRow("apici") << "L'energia dell'anno"
-                           << "Dell'Acqua";
-    QTest::newRow("sql") << "'; DELETE FROM Gruppi; --"
-                         << "x' OR '1'='1";
-}
-
-void TestStatements::groups()
-{
-    QFETCH(QString, group);
-    QFETCH(QString, name);
-
-    QCOMPARE(m_db.addToGroup({ 0, group, "S1", name }), GroupAdd::Added);
-    QCOMPARE(m_db.addToGroup({ 0, group, "S2", "Secondo" }), GroupAdd::Added);
-    QCOMPARE(m_db.addToGroup({ 0, group.toUpper(), "S9", name.toLower() }), GroupAdd::AlreadyPresent);
-    QCOMPARE(m_db.addToGroup({ 0, "Altro", "S1", name }), GroupAdd::Added);
-
-    QVERIFY(m_db.groupExists(group));
-    QVERIFY(!m_db.groupExists(group + "x"));
-    QStringList sorted { group, "Altro" };
-    sorted.sort(Qt::CaseInsensitive);
-    QCOMPARE(m_db.groups(), sorted);
-    QCOMPARE(m_db.symbolsOfGroup(group), (QStringList { "S1", "S2" }));
-    QCOMPARE(m_db.titlesOfGroup(group).first().titolo, name);
-    for (const GruppoSize &size : m_db.groupSizes())
-        QCOMPARE(size.conteggio, size.gruppo == group ? 2 : 1);
-
-    QVERIFY(m_db.removeFromGroup(group, name));
-    QCOMPARE(m_db.symbolsOfGroup(group), QStringList { "S2" });
-    QCOMPARE(m_db.symbolsOfGroup("Altro"), QStringList { "S1" });
-    QVERIFY(m_db.deleteGroup(group));
-    QCOMPARE(m_db.groups(), QStringList { "Altro" });
-}
-
-void TestStatements::foldersPasswordAndLog()
-{
-    QVERIFY(m_db.replaceFolders({ "/z/", "/dati/l'archivio/", "/a/" }));
-    QCOMPARE(m_db.folders(), (QStringList { "/z/", "/dati/l'archivio/", "/a/" }));
-    QVERIFY(m_db.replaceFolders({ "/b/" }));
-    QCOMPARE(m_db.folders(), QStringList { "/b/" });
-
-    QVERIFY(!m_db.dossierPassword() && !m_db.isDossierProtected());
-    QVERIFY(m_db.setDossierPassword("d'e"));
-    QVERIFY(m_db.isDossierProtected());
-    QVERIFY(m_db.setDossierPassword("   ")); // saving blanks is how the password is removed
-    QCOMPARE(m_db.dossierPassword().value(), QStringLiteral("   "));
-    QVERIFY(!m_db.isDossierProtected());
-
-    QVERIFY(m_db.appendArchiveLog({ QDate(), "zip", "Rimozione", "Titolo 'X' rimosso" }));
-    m_db.close();
-    QCOMPARE(rawValue(m_path, "SELECT count(*) FROM PASSW").toInt(), 1);
-    QCOMPARE(rawValue(m_path, "SELECT data FROM LOG_ARCHIVIO WHERE Descrizione = 'Titolo ''X'' rimosso'").toString(),
-        QDate::currentDate().toString(Qt::ISODate));
-}
-
-void TestStatements::renameCarriesSymbolAndName()
-{
-    m_db.close();
-    QCOMPARE(vm::test::runRawSql(m_path,
-                 { "INSERT INTO giornata VALUES ('OLD', 'Vecchio'), ('old', 'minuscolo'),"
-                   " ('ALTRO', 'Altro')" }),
-        QString());
-    QVERIFY(m_db.open(m_path).ok());
-    const qint64 id = m_db.recordPurchase(title("OLD", "Vecchio"), op("AQ", QDate(2024, 1, 1), 5)).value();
-    const qint64 other = m_db.recordPurchase(title("ALTRO"), op("AQ", QDate(2024, 1, 1), 7)).value();
-    QVERIFY(m_db.recordOperation(*m_db.findTitleById(id), op("VE", QDate(2024, 2, 1), 2, 12)));
-
-    // A symbol another title holds is refused and changes nothing.
-    QVERIFY(!m_db.renameTitle(id, "altro", "Nuovo", "OLD"));
-    QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
-    QCOMPARE(m_db.findTitleById(id)->descrizione, QStringLiteral("Vecchio"));
-    QVERIFY(!m_db.renameTitle(id + 100, "NEW'S", "L'erede", "OLD"));
-    QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
-
-    QVERIFY(m_db.renameTitle(id, "NEW'S", "L'erede", "OLD"));
-    const DossierRow row = *m_db.findTitleById(id);
-    QCOMPARE(row.titolo, QStringLiteral("NEW'S"));
-    QCOMPARE(row.descrizione, QStringLiteral("L'erede"));
-    QCOMPARE(row.qta, 100);
-    for (const Operazione &o : m_db.operationsOfTitle(id)) {
-        QCOMPARE(o.titolo, QStringLiteral("L'erede"));
-        QCOMPARE(o.ticker, QStringLiteral("NEW'S"));
-    }
-    QCOMPARE(m_db.operationsOfTitle(id).last().valore, 12.0);
-    QCOMPARE(m_db.operationsOfTitle(other).first().ticker, QStringLiteral("SYM"));
-    m_db.close();
-    QCOMPARE(
-        rawValue(m_path, "SELECT count(*) FROM giornata WHERE tiker = 'NEW''S' AND titolo = 'L''erede'").toInt(), 2);
-    QCOMPARE(rawValue(m_path, "SELECT count(*) FROM giornata WHERE tiker = 'ALTRO' AND titolo = 'Altro'").toInt(), 1);
-}
 
 QTEST_GUILESS_MAIN(TestStatements)
 #include "tst_statements.moc"
