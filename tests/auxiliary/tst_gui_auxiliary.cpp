@@ -109,26 +109,18 @@ private Q_SLOTS:
         const QStringList lines = f->findChild<QPlainTextEdit *>(QStringLiteral("Text1"))->toPlainText().split('\n');
         QVERIFY(!Form135::loginName().isEmpty());
         QCOMPARE(lines.value(2), QStringLiteral("Prodotto concesso a: ") + Form135::loginName());
-        f->close();
+        QTest::mouseClick(f->findChild<QPushButton *>(QStringLiteral("Command1")), Qt::LeftButton);
+        QVERIFY(!Form135::instance() || !Form135::instance()->isVisible());
         QCOMPARE(m_checks, 0);
     }
 
     // The close button and the unload both want the check; it runs once.
-    void closeButtonStartsTheCheckOnce_data()
-    {
-        QTest::addColumn<QString>("tag");
-        QTest::addColumn<int>("checks");
-        QTest::newRow("start-up") << "X" << 1;
-        QTest::newRow("about") << "" << 0;
-    }
     void closeButtonStartsTheCheckOnce()
     {
-        QFETCH(QString, tag);
-        QFETCH(int, checks);
-        Form135 *f = show(tag);
+        Form135 *f = show(QStringLiteral("X"));
         timer(f)->stop();
         QTest::mouseClick(f->findChild<QPushButton *>(QStringLiteral("Command1")), Qt::LeftButton);
-        QCOMPARE(m_checks, checks);
+        QCOMPARE(m_checks, 1);
         QVERIFY(!Form135::instance() || !Form135::instance()->isVisible());
     }
 

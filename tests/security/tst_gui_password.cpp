@@ -268,12 +268,11 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("stored");
         QTest::addColumn<QString>("how"); // a button's name, or "window" for the close box
-        QTest::newRow("Chiudi, change mode") << "abc"
-                                             << "Command2";
-        QTest::newRow("Chiudi, set mode") << "-"
-                                          << "Command4";
-        QTest::newRow("close box") << "abc"
-                                   << "window";
+        // clang-format off
+        QTest::newRow("Chiudi, change mode") << "abc" << "Command2";
+        QTest::newRow("Chiudi, set mode") << "-" << "Command4";
+        QTest::newRow("close box") << "abc" << "window";
+        // clang-format on
     }
     void closingWithoutSaving()
     {
@@ -283,7 +282,8 @@ private Q_SLOTS:
         QTest::mouseClick(m_main->statusPanel(4), Qt::LeftButton); // as the toolbar key
         QWidget *form = form10();
         QVERIFY(form && !m_main->isEnabled());
-        QTest::keyClicks(child(form, "Text1"), stored);
+        if (row(stored))
+            QTest::keyClicks(child(form, "Text1"), stored);
         if (how != QLatin1String("Command2")) {
             if (row(stored))
                 QTest::keyClick(child(form, "Text1"), Qt::Key_Return);
