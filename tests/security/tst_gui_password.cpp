@@ -1,5 +1,5 @@
-// The dossier password: what counts as the right answer on a real database, a refused write, and the
-// windows driven as the user would: the setting and changing window from the toolbar and status
+// The dossier password on a real database: nothing stored, a refused write, and the windows driven as
+// the user would: the setting and changing window from the toolbar and status
 // panel 4, the prompt in front of a protected dossier.
 #include "app/MainWindow.h"
 #include "app/MessageBox.h"
@@ -123,33 +123,15 @@ private Q_SLOTS:
         m_db.reset();
     }
 
-    // Answers the prompt's flow does not try.
-    void answers_data()
+    // Nothing stored: no answer may open the dossier, not even an empty one.
+    void nothingStored()
     {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<bool>("right");
-        auto row = [](const char *name, const char *stored, const char *typed, bool right) {
-            QTest::newRow(name) << QString::fromUtf8(stored) << QString::fromUtf8(typed) << right;
-        };
-        row("stored edited by hand with blanks", " abc ", "abc", true);
-        row("inner blank matters", "abc", "a bc", false);
-        row("prefix", "abc", "ab", false);
-        row("empty answer", "abc", "", false);
-        // Nothing stored: no answer may open the dossier, not even an empty one.
-        row("no row", "-", "", false);
-        row("blank row, blank answer", "  ", " ", false);
-    }
-    void answers()
-    {
-        QFETCH(QString, stored);
-        QFETCH(QString, typed);
-        QFETCH(bool, right);
-        const auto db = database(stored);
-        security::DossierPassword pw(*db);
-        QCOMPARE(pw.check(typed), right);
-        QCOMPARE(pw.mode(),
-            stored.trimmed().isEmpty() || !row(stored) ? security::PasswordMode::Set : security::PasswordMode::Change);
+        for (const char *stored : { "-", "  " }) {
+            const auto db = database(QString::fromLatin1(stored));
+            security::DossierPassword pw(*db);
+            QVERIFY(!pw.check(u"") && !pw.check(u" "));
+            QCOMPARE(pw.mode(), security::PasswordMode::Set);
+        }
     }
 
     void refusedWrite()
@@ -173,18 +155,20 @@ private Q_SLOTS:
         QTest::addColumn<QString>("shownMessage");
         QTest::addColumn<QString>("after");
         QTest::addColumn<bool>("open");
+        QTest::addColumn<bool>("enter"); // confirmed with the keyboard instead of the buttons
         const QString off = QStringLiteral("Protezione Dossier: Nessuna password è stata inserita, protezione "
                                            "dossier non attivata #%1")
                                 .arg(int(ui::Icon::Exclamation));
         const QString verify
             = QStringLiteral("Protezione Dossier: Verifica la nuova Password. #%1").arg(int(ui::Icon::Information));
         // clang-format off
-        QTest::newRow("first use") << "-" << "" << " abc" << "abc " << kChanged << "abc" << false;
-        QTest::newRow("first use, nothing typed") << "-" << "" << "" << "" << off << "" << false;
-        QTest::newRow("change") << "abc" << "abc" << "Xyz" << "Xyz" << kChanged << "Xyz" << false;
-        QTest::newRow("clear") << "abc" << "abc" << "" << "" << off << "" << false;
-        QTest::newRow("change, mismatch") << "abc" << "abc" << "xyz" << "xy" << verify << "abc" << true;
-        QTest::newRow("wrong current") << "abc" << "ABC" << "" << "" << kWrong << "abc" << true;
+        QTest::newRow("first use") << "-" << "" << " abc" << "abc " << kChanged << "abc" << false << false;
+        QTest::newRow("first use, nothing typed") << "-" << "" << "" << "" << off << "" << false << false;
+        QTest::newRow("change") << "abc" << "abc" << "Xyz" << "Xyz" << kChanged << "Xyz" << false << false;
+        QTest::newRow("clear") << "abc" << "abc" << "" << "" << off << "" << false << false;
+        QTest::newRow("change, mismatch") << "abc" << "abc" << "xyz" << "xy" << verify << "abc" << true << false;
+        QTest::newRow("wrong current") << "abc" << "ABC" << "" << "" << kWrong << "abc" << true << false;
+        QTest::newRow("change, by keyboard") << "abc" << "abc" << "new" << "new" << kChanged << "new" << false << true;
         // clang-format on
     }
     void setChangeAndClear()
@@ -196,6 +180,7 @@ private Q_SLOTS:
         QFETCH(QString, shownMessage);
         QFETCH(QString, after);
         QFETCH(bool, open);
+        QFETCH(bool, enter);
         const bool change = row(stored).has_value();
         const bool rightCurrent = !change || current == stored;
 
@@ -214,15 +199,22 @@ private Q_SLOTS:
 
         if (change) {
             QTest::keyClicks(child(form, "Text1"), current);
-            click(form, "Command1");
+            enter ? QTest::keyClick(child(form, "Text1"), Qt::Key_Return) : click(form, "Command1");
             QCOMPARE(frame->isVisible(), rightCurrent);
             QCOMPARE(child(form, "Text1")->text().isEmpty(), !rightCurrent);
         }
         if (rightCurrent) {
             QCOMPARE(QApplication::focusWidget(), child(form, "Text2"));
             QTest::keyClicks(child(form, "Text2"), newPassword);
+            if (enter) { // Enter moves on until both fields hold text
+                QTest::keyClick(child(form, "Text2"), Qt::Key_Return);
+                QCOMPARE(QApplication::focusWidget(), child(form, "Text3"));
+                QTest::keyClick(child(form, "Text3"), Qt::Key_Enter);
+                QCOMPARE(QApplication::focusWidget(), child(form, "Text2"));
+                QVERIFY(shown().isEmpty());
+            }
             QTest::keyClicks(child(form, "Text3"), verify);
-            click(form, "Command3");
+            enter ? QTest::keyClick(child(form, "Text3"), Qt::Key_Return) : click(form, "Command3");
         }
 
         QCOMPARE(shown(), QStringList { shownMessage });
@@ -240,27 +232,6 @@ private Q_SLOTS:
             QCOMPARE(form8() != nullptr, guarded);
             QCOMPARE(m_overviews, guarded ? 0 : 1);
         }
-    }
-
-    // Enter confirms in Text1; in the new fields it saves once both hold text, else moves on.
-    void enterKey()
-    {
-        start(QStringLiteral("abc"));
-        m_main->button(4, QStringLiteral("pass"))->trigger();
-        QWidget *form = form10();
-        QTest::keyClicks(child(form, "Text1"), QStringLiteral("abc"));
-        QTest::keyClick(child(form, "Text1"), Qt::Key_Return);
-        QVERIFY(child<QFrame>(form, "Frame1")->isVisible());
-        QTest::keyClicks(child(form, "Text2"), QStringLiteral("new"));
-        QTest::keyClick(child(form, "Text2"), Qt::Key_Return);
-        QCOMPARE(QApplication::focusWidget(), child(form, "Text3"));
-        QTest::keyClick(child(form, "Text3"), Qt::Key_Enter);
-        QCOMPARE(QApplication::focusWidget(), child(form, "Text2"));
-        QVERIFY(shown().isEmpty());
-        QTest::keyClicks(child(form, "Text3"), QStringLiteral("new"));
-        QTest::keyClick(child(form, "Text3"), Qt::Key_Return);
-        QCOMPARE(shown(), QStringList { kChanged });
-        QCOMPARE(m_db->dossierPassword(), row(QStringLiteral("new")));
     }
 
     // However the window goes, the main window comes back and nothing is saved; it loads afresh.
@@ -303,17 +274,25 @@ private Q_SLOTS:
 
     void prompt_data()
     {
+        QTest::addColumn<QString>("stored");
         QTest::addColumn<QString>("answer"); // "": closed with "&Chiudi" instead
         QTest::addColumn<bool>("right");
-        QTest::newRow("blanks around") << " abc " << true;
-        QTest::newRow("other case") << "ABC" << false;
-        QTest::newRow("Chiudi") << "" << false;
+        // clang-format off
+        QTest::newRow("blanks around") << "abc" << " abc " << true;
+        QTest::newRow("stored edited by hand with blanks") << " abc " << "abc" << true;
+        QTest::newRow("other case") << "abc" << "ABC" << false;
+        QTest::newRow("inner blank") << "abc" << "a bc" << false;
+        QTest::newRow("prefix") << "abc" << "ab" << false;
+        QTest::newRow("blank") << "abc" << " " << false;
+        QTest::newRow("Chiudi") << "abc" << "" << false;
+        // clang-format on
     }
     void prompt()
     {
+        QFETCH(QString, stored);
         QFETCH(QString, answer);
         QFETCH(bool, right);
-        start(QStringLiteral("abc"));
+        start(stored);
         state().ArchiviCompatibili = true;
         m_main->button(1, QStringLiteral("portafoglio"))->trigger();
         QWidget *form = form8();
@@ -336,7 +315,7 @@ private Q_SLOTS:
         QCOMPARE(m_overviews, right ? 1 : 0);
         QCOMPARE(state().DossierProtetto, !right);
         // The stored password stays, and panel 4 with it: only this session is let through.
-        QCOMPARE(m_db->dossierPassword(), row(QStringLiteral("abc")));
+        QCOMPARE(m_db->dossierPassword(), row(stored));
         QCOMPARE(m_main->statusBar()->toolTip(), kProtected);
         if (wrong) {
             QVERIFY(field->text().isEmpty());
