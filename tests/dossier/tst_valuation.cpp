@@ -1,13 +1,14 @@
-// The dossier valuation on archive folders written here: the row of each state, where the search stops,
-// the messages, the totals taken from the texts shown, and the history's recording rule.
-#include "app/Format.h"
+// The valuation on archive folders written here: the row of each state, where the search stops, the
+// messages, the totals taken from the texts shown, the history's recording rule, and the dossier
+// command as a user or a scheduled job runs it.
 #include "dossier/Storico.h"
 #include "dossier/Valuation.h"
 #include "metastock/ArchiveWriter.h"
 #include "store/Database.h"
 
 #include <QDir>
-#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -17,23 +18,32 @@ using namespace vm::metastock;
 
 namespace {
 
-// Three quotes, the last one on 29/02/24 with the close given.
-TitoloArchivio titolo(const QString &simbolo, float chiusura, int campi = 7)
+// Three quotes to 29/02/24; only the last one closes at chiusura.
+TitoloArchivio titolo(const char *simbolo, float chiusura, int campi = 7)
 {
     TitoloArchivio t { simbolo, QStringLiteral("NOME ") + simbolo, campi, {}, {}, {}, {} };
     for (int i = 0; i < 3; ++i) {
         QuotaMS q;
         q.data = QDate(2024, 2, 27).addDays(i);
         q.chiusura = q.massimo = q.minimo = i == 2 ? chiusura : chiusura + 1;
-        q.apertura = q.ufficiale = q.chiusura;
         t.quote << q;
     }
     return t;
 }
 
-store::DossierRow riga(const QString &simbolo, double prezzo, qint64 qta)
+struct Esito {
+    int stato = -1;
+    QString out;
+    QString err;
+};
+
+Esito esegui(const QStringList &args)
 {
-    return { 7, simbolo, QStringLiteral("Descr. ") + simbolo, {}, prezzo, qta, {}, 0 };
+    QProcess p;
+    p.start(QStringLiteral(VM_CLI_PATH), QStringList { QStringLiteral("dossier") } + args);
+    const bool finito = p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit;
+    return { finito ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
+        QString::fromUtf8(p.readAllStandardError()) };
 }
 
 } // namespace
@@ -43,41 +53,48 @@ class TestValuation : public QObject
     Q_OBJECT
 
     QTemporaryDir m_tmp;
-    QString m_base;
 
-    // Folders by letter: A and B marked, U unmarked, P with a price file gone, X with a title in XMASTER,
-    // M missing.
+    // A and B marked, U unmarked, P with a price file gone, X with a title in XMASTER, M missing.
     QStringList cartelle(const QString &lettere) const
     {
         QStringList c;
         for (QChar l : lettere)
-            c << m_base + l + u'/';
+            c << m_tmp.path() + u'/' + l + u'/';
         return c;
+    }
+
+    // A program folder whose database lists the folders by letter and holds the titles given.
+    QString programma(const QList<std::tuple<const char *, const char *, double, int>> &titoli, const QString &lettere)
+    {
+        static int n = 0;
+        const QString dir = m_tmp.filePath(QStringLiteral("programma-%1").arg(++n));
+        const QString mdb = dir + QStringLiteral("/valorimetrico.mdb");
+        store::Database db;
+        if (!QDir().mkpath(dir) || store::Database::create(mdb).failed() || !db.open(mdb).ok()
+            || !db.replaceFolders(cartelle(lettere)))
+            return {};
+        for (const auto &[simbolo, nome, prezzo, qta] : titoli) {
+            if (!db.insertTitle({ 0, simbolo, QString::fromUtf8(nome), {}, prezzo, qta, {}, 0 }))
+                return {};
+        }
+        return dir;
     }
 
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(m_tmp.isValid());
-        m_base = m_tmp.path() + u'/';
-        const auto scrivi = [&](const QString &nome, const QList<TitoloArchivio> &titoli, OpzioniArchivio opz = {}) {
-            QVERIFY(QDir().mkpath(m_base + nome));
-            QVERIFY(scriviArchivio(m_base + nome, titoli, opz));
+        const auto scrivi = [&](const char *nome, const QList<TitoloArchivio> &titoli, OpzioniArchivio opz = {}) {
+            const QString dir = cartelle(QString::fromLatin1(nome)).first();
+            QVERIFY(QDir().mkpath(dir) && scriviArchivio(dir, titoli, opz));
         };
-        scrivi(QStringLiteral("A"),
-            { titolo(QStringLiteral("ENEL"), 10.5f), titolo(QStringLiteral("DUP"), 2.0f),
-                titolo(QStringLiteral("FIVE"), 4.25f, 5), titolo(QStringLiteral("TRE"), 3.3f),
-                titolo(QStringLiteral("ZERO"), 0.0f) });
-        scrivi(QStringLiteral("B"), { titolo(QStringLiteral("DUP"), 3.0f), titolo(QStringLiteral("SOLOB"), 8.0f) });
-        OpzioniArchivio nonMarcata;
-        nonMarcata.marcato = false;
-        scrivi(QStringLiteral("U"), { titolo(QStringLiteral("UNM"), 12.0f) }, nonMarcata);
-        scrivi(QStringLiteral("P"), { titolo(QStringLiteral("PERSO"), 5.0f) });
-        QVERIFY(QFile::remove(m_base + QStringLiteral("P/F1.DAT")));
-        OpzioniArchivio conXMaster;
-        conXMaster.titoliInMaster = 1;
-        scrivi(QStringLiteral("X"), { titolo(QStringLiteral("PRIMO"), 1.0f), titolo(QStringLiteral("EXTRA"), 9.0f) },
-            conXMaster);
+        scrivi("A",
+            { titolo("ENEL", 10.5f), titolo("DUP", 2.0f), titolo("FIVE", 4.25f, 5), titolo("TRE", 3.3f),
+                titolo("ZERO", 0.0f) });
+        scrivi("B", { titolo("DUP", 3.0f) });
+        scrivi("U", { titolo("UNM", 12.0f) }, { .marcato = false });
+        scrivi("P", { titolo("PERSO", 5.0f) });
+        QVERIFY(QFile::remove(m_tmp.filePath(QStringLiteral("P/F1.DAT"))));
+        scrivi("X", { titolo("PRIMO", 1.0f), titolo("EXTRA", 9.0f) }, { .titoliInMaster = 1 });
     }
 
     void riga_data()
@@ -94,9 +111,8 @@ private Q_SLOTS:
         const auto no = StatoTitolo::NonTrovato;
         const QString mancante = QStringLiteral("00/00/00|0.0|0.0|0.0%");
         // clang-format off
-        QTest::newRow("gain") << "A" << "ENEL" << 10.0 << si << 10.5f << "100,00|29/02/24|105,00|5,00|5,00%" << "";
-        QTest::newRow("loss") << "A" << "ENEL" << 1200.0 << si << 10.5f << "12.000,00|29/02/24|105,00|-11.895,00|-99,13%" << "";
         QTest::newRow("blanks around the symbol") << "A" << " ENEL  " << 10.0 << si << 10.5f << "100,00|29/02/24|105,00|5,00|5,00%" << "";
+        QTest::newRow("loss") << "A" << "ENEL" << 1200.0 << si << 10.5f << "12.000,00|29/02/24|105,00|-11.895,00|-99,13%" << "";
         QTest::newRow("letter case counts") << "A" << "enel" << 10.0 << no << 0.0f << "100,00|" + mancante << "ATTENZIONE";
         QTest::newRow("single-precision close") << "A" << "TRE" << 3.0 << si << 3.3f << "30,00|29/02/24|33,00|3,00|10,00%" << "";
         QTest::newRow("five fields") << "A" << "FIVE" << 4.0 << si << 4.25f << "40,00|29/02/24|42,50|2,50|6,25%" << "";
@@ -123,7 +139,7 @@ private Q_SLOTS:
         QFETCH(QString, testi);
         QFETCH(QString, avvisi);
 
-        const Valutazione v = PreparaDati(cartelle(lettere), { ::riga(simbolo, prezzo, 10) });
+        const Valutazione v = PreparaDati(cartelle(lettere), { { 7, simbolo, {}, {}, prezzo, 10, {}, 0 } });
         QVERIFY(v.eseguita);
         QCOMPARE(v.righe.size(), 1);
         const RigaDossier &r = v.righe.first();
@@ -139,14 +155,14 @@ private Q_SLOTS:
         // The unrounded values follow the texts: 0 where a zero text stands in for a value.
         QCOMPARE(r.attuale, stato == StatoTitolo::NonTrovato ? 0.0 : double(chiusura) * 10);
         QCOMPARE(r.percentuale != 0, r.testoPercentuale != QLatin1String("0.0%") && r.testoPercentuale != "0,00%");
-        QCOMPARE(r.dataUltima.isValid(), !r.testoData.isEmpty() && stato == StatoTitolo::Trovato);
+        QCOMPARE(r.dataUltima.isValid(), stato == StatoTitolo::Trovato);
     }
 
     void messaggi()
     {
-        const Valutazione v = PreparaDati(cartelle(QStringLiteral("MA")), { ::riga(QStringLiteral("O'NEIL"), 1.5, 3) });
+        const Valutazione v = PreparaDati(cartelle(QStringLiteral("MA")), { { 1, "O'NEIL", {}, {}, 1.5, 3, {}, 0 } });
         QCOMPARE(v.avvisi.size(), 2);
-        QCOMPARE(v.avvisi[0].testo, QStringLiteral("Errore su lettura ") + m_base + QStringLiteral("M/"));
+        QCOMPARE(v.avvisi[0].testo, QStringLiteral("Errore su lettura ") + cartelle(QStringLiteral("M")).first());
         QCOMPARE(v.avvisi[1].testo,
             QStringLiteral("Attenzione! il titolo O'NEIL non è presente nell'archivio metastock! \n"
                            "Verificare se il titolo è stato rimosso dall'archivio oppure è stato dato un'altro "
@@ -155,7 +171,7 @@ private Q_SLOTS:
         QCOMPARE(testoNumeroSemplice(0.1 * 3), QStringLiteral("0,3")); // fifteen digits, as plain conversion shows
         QCOMPARE(testoNumeroSemplice(1234567.25), QStringLiteral("1234567,25"));
 
-        const Valutazione senza = PreparaDati({}, { ::riga(QStringLiteral("ENEL"), 1, 1) });
+        const Valutazione senza = PreparaDati({}, { { 1, "ENEL", {}, {}, 1, 1, {}, 0 } });
         QVERIFY(!senza.eseguita && senza.righe.isEmpty());
         QCOMPARE(senza.avvisi.size(), 1);
         QCOMPARE(senza.avvisi[0].testo, QStringLiteral("Le impostazioni degli archivi, non sono state impostate."));
@@ -166,80 +182,76 @@ private Q_SLOTS:
         QCOMPARE(vuoto.totali.percentuale, QString());
     }
 
-    void totali_data()
-    {
-        QTest::addColumn<QStringList>("righe"); // acquisto|attuale as shown
-        QTest::addColumn<QString>("attesi"); // Acquisto|Attuale|Differenza|Perc.
-
-        QTest::newRow("thousands, loss") << QStringList { "12.000,00|10.500,00", "1.234.567,89|1.234.567,89" }
-                                         << "1.246.567,89|1.245.067,89|-1.500,00|-0,12%";
-        // Each row counts as shown, rounded to the cent: 3 x 1,005 would be 3,02.
-        QTest::newRow("sums of the rounded texts")
-            << QStringList { "1,01|1,01", "1,01|1,01", "1,01|1,01" } << "3,03|3,03|0,00|0,00%";
-        QTest::newRow("a title not found counts 0")
-            << QStringList { "100,00|120,00", "50,00|0.0" } << "150,00|120,00|-30,00|-20,00%";
-        QTest::newRow("purchase total 0: no percentage") << QStringList { "0,00|105,00" } << "0,00|105,00|105,00|";
-    }
-
-    void totali()
-    {
-        QFETCH(QStringList, righe);
-        QFETCH(QString, attesi);
-        QList<RigaDossier> r;
-        for (const QString &testi : righe) {
-            r.append(RigaDossier {});
-            r.last().testoAcquisto = testi.section(u'|', 0, 0);
-            r.last().testoAttuale = testi.section(u'|', 1, 1);
-        }
-        const TotaliDossier t = PreparaGrafico(r);
-        QCOMPARE((QStringList { t.acquisto, t.attuale, t.differenza, t.percentuale }).join(u'|'), attesi);
-        QCOMPARE(t.valoreAttuale, *parseNumber(t.attuale));
-    }
-
-    void storico_data()
-    {
-        QTest::addColumn<QList<double>>("attuali"); // one a day; a negative one on the same day as the one before
-        QTest::addColumn<QList<int>>("esiti");
-        QTest::addColumn<int>("righe");
-
-        const int si = int(EsitoStorico::Registrato);
-        const int gia = int(EsitoStorico::GiaRegistrato);
-        QTest::newRow("same total twice") << QList<double> { 1000.0, 1000.0 } << QList<int> { si, gia } << 1;
-        QTest::newRow("same total to the cent") << QList<double> { 1000.0, 1000.004 } << QList<int> { si, gia } << 1;
-        QTest::newRow("a cent apart") << QList<double> { 1000.0, 1000.01 } << QList<int> { si, si } << 2;
-        QTest::newRow("total 0") << QList<double> { 0.0 } << QList<int> { int(EsitoStorico::TotaleNullo) } << 0;
-        QTest::newRow("an old total comes back")
-            << QList<double> { 1000.0, 1200.0, 1000.0 } << QList<int> { si, si, gia } << 2;
-        QTest::newRow("new total the same day") << QList<double> { 1000.0, -1100.0 } << QList<int> { si, si } << 2;
-    }
-
+    // One record per distinct current total to the cent, whatever its day; never a total of 0.
     void storico()
     {
-        QFETCH(QList<double>, attuali);
-        QFETCH(QList<int>, esiti);
-        QFETCH(int, righe);
-        QTemporaryDir dir;
-        const QString percorso = dir.filePath(QStringLiteral("valorimetrico.mdb"));
-        QVERIFY(!store::Database::create(percorso).failed());
         store::Database db;
-        QVERIFY(db.open(percorso).ok());
-
-        QDate giorno(2025, 3, 3);
-        QDate registrato;
-        for (int i = 0; i < attuali.size(); ++i) {
-            if (attuali[i] >= 0 && i > 0)
-                giorno = giorno.addDays(1);
-            TotaliDossier t;
-            t.valoreAcquisto = 900;
-            t.valoreAttuale = std::abs(attuali[i]);
-            QCOMPARE(int(Storico(db, t, giorno)), esiti[i]);
-            if (esiti[i] == int(EsitoStorico::Registrato))
-                registrato = giorno;
-        }
+        const QString percorso = m_tmp.filePath(QStringLiteral("storico.mdb"));
+        QVERIFY(!store::Database::create(percorso).failed() && db.open(percorso).ok());
+        const auto registra = [&](double attuale, int giorno) {
+            return Storico(db, { {}, {}, {}, {}, 900, attuale }, QDate(2025, 3, giorno));
+        };
+        QCOMPARE(registra(1000, 3), EsitoStorico::Registrato);
+        QCOMPARE(registra(1000.004, 4), EsitoStorico::GiaRegistrato);
+        QCOMPARE(registra(1000.01, 4), EsitoStorico::Registrato); // a cent apart, the same day
+        QCOMPARE(registra(1200, 5), EsitoStorico::Registrato);
+        QCOMPARE(registra(1000, 6), EsitoStorico::GiaRegistrato); // an old total comes back
+        QCOMPARE(registra(0, 6), EsitoStorico::TotaleNullo);
         const QList<store::StoricoRow> scritte = db.storicoRows();
-        QCOMPARE(scritte.size(), righe);
-        if (!scritte.isEmpty())
-            QCOMPARE(scritte.last().data, registrato);
+        QCOMPARE(scritte.size(), 3);
+        QCOMPARE(scritte[1].data, QDate(2025, 3, 4));
+        QCOMPARE(scritte[1].attuale, 1000.01);
+        QCOMPARE(scritte[2].carico, 900.0);
+    }
+
+    // The command's CSV and table on every row state and number shape; the numbers were computed apart
+    // from the program, with each close taken as a single-precision number. The totals are read back
+    // from the rows' texts, grouping and "0.0" included. A missing folder is reported once however many
+    // titles meet it; the day's total is recorded once; a damaged database fails with no report.
+    void comando()
+    {
+        const QString dir
+            = programma({ { "ENEL", "Enel", 10.005, 10 }, { "TRE", "Banca \"Rossa\", Spa", 3.5, 10 },
+                            { "NESSUNO", "Nessuno", 2.5, 10 }, { "UNM", "Unm", 10, 1000 }, { "ALTRO", "Altro", 1, 1 } },
+                QStringLiteral("AUM"));
+        const Esito csv = esegui({ QStringLiteral("--cartella"), dir, QStringLiteral("--csv") });
+        QCOMPARE(csv.stato, 0);
+        QCOMPARE(csv.out,
+            QStringLiteral(
+                "id,simbolo,descrizione,acquisto,data,attuale,differenza,percentuale,stato\n"
+                "1,ENEL,Enel,100.05000000000001,2024-02-29,105,4.949999999999992,0.04947526236881551,trovato\n"
+                "2,TRE,\"Banca \"\"Rossa\"\", Spa\",35,2024-02-29,32.99999952316284,-2.000000476837158,"
+                "-0.05714287076677595,trovato\n"
+                "3,NESSUNO,Nessuno,25,,0,0,0,non-trovato\n"
+                "4,UNM,Unm,10000,,12000,2000,0,non-compatibile\n"
+                "5,ALTRO,Altro,1,,0,0,0,non-trovato\n"));
+        QCOMPARE(csv.err.count(QStringLiteral("Errore su lettura ") + cartelle(QStringLiteral("M")).first()), 1);
+        QCOMPARE(csv.err.count(QStringLiteral("non è presente nell'archivio metastock!")), 2);
+
+        const Esito tabella = esegui({ QStringLiteral("--cartella"), dir });
+        QCOMPARE(tabella.stato, 0);
+        const QStringList righe = tabella.out.split(u'\n');
+        QCOMPARE(righe.value(0).simplified(), QStringLiteral("Descrizione Acquisto data Attuale +/- Perc."));
+        QCOMPARE(righe.value(3).simplified(), QStringLiteral("Nessuno 25,00 00/00/00 0.0 0.0 0.0%"));
+        QVERIFY(tabella.out.contains(QRegularExpression(QStringLiteral(
+            "\nAcquisto +10\\.161,05\nAttuale +12\\.138,00\nDifferenza +1\\.976,95\nPerc\\. +19,46%\n$"))));
+
+        const QStringList registra { QStringLiteral("--registra"), QStringLiteral("--cartella"), dir };
+        QVERIFY(esegui(registra).stato == 0 && esegui(registra).stato == 0);
+        {
+            store::Database db;
+            QVERIFY(db.open(dir + QStringLiteral("/valorimetrico.mdb")).ok());
+            const QList<store::StoricoRow> storico = db.storicoRows();
+            QCOMPARE(storico.size(), 1);
+            QCOMPARE(storico[0].data, QDate::currentDate());
+            QCOMPARE(storico[0].attuale, 12138.0);
+        }
+        QFile f(dir + QStringLiteral("/valorimetrico.mdb"));
+        QVERIFY(f.open(QIODevice::WriteOnly) && f.write(QByteArray(4096, 'x')) == 4096);
+        f.close();
+        const Esito e = esegui(registra);
+        QCOMPARE(e.stato, 1);
+        QVERIFY(e.out.isEmpty() && !e.err.isEmpty());
     }
 };
 
