@@ -64,31 +64,14 @@ private Q_SLOTS:
     }
     void cleanup() { m_window.reset(); }
 
-    // The order counts: views refer to the dossier buttons by position. Icons come from the desktop's
-    // theme, and without a desktop (offscreen, as here) from the installed one.
-    void toolbars_data()
+    // Icons come from the desktop's theme, and without a desktop (offscreen, as here) from the installed one.
+    void everyToolbarButtonHasAnIcon()
     {
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("keys");
-        QTest::newRow("views") << 1 << "uscita ms portafoglio giornata grafico giornatadoss";
-        QTest::newRow("lists") << 2 << "gruppi personali az graph tipo";
-        QTest::newRow("archives") << 3 << "cerca test crack";
-        QTest::newRow("dossier") << 4 << "sx dx new pass anagrafica aggiorna print calc grafico giornata spese";
-        QTest::newRow("charts") << 5 << "sx dx tipografico colori griglie";
-    }
-    void toolbars()
-    {
-        QFETCH(int, number);
-        QFETCH(QString, keys);
-        QCOMPARE(m_window->toolbar(number)->objectName(), QStringLiteral("Toolbar%1").arg(number));
-        QStringList found;
-        for (QAction *a : m_window->toolbar(number)->actions()) {
-            if (a->objectName().isEmpty())
-                continue;
-            found << a->objectName();
-            QVERIFY2(!a->icon().pixmap(22, 22).isNull(), qPrintable(a->objectName()));
+        for (int number = 1; number <= 5; ++number) {
+            QCOMPARE(m_window->toolbar(number)->objectName(), QStringLiteral("Toolbar%1").arg(number));
+            for (QAction *a : m_window->toolbar(number)->actions())
+                QVERIFY2(a->objectName().isEmpty() || !a->icon().pixmap(22, 22).isNull(), qPrintable(a->objectName()));
         }
-        QCOMPARE(found.join(u' '), keys);
     }
 
     // A command waits for the view it opens; quote-based commands also wait for the archives.
@@ -106,7 +89,6 @@ private Q_SLOTS:
             const char *caption;
         } rows[] = {
             { "quote board", "giornata", H::QuoteBoard, true, "Valorimetrico :: [Quotazioni]" },
-            { "menu quotes", "m_giornata", H::QuoteBoard, true, "Valorimetrico :: [Quotazioni]" },
             { "trend", "grafico", H::DossierHistory, true, "Valorimetrico :: [Dossier-Trend]" },
             { "dossier day", "giornatadoss", H::QuoteBoardDossier, true, "Valorimetrico :: [Dossier Giornata]" },
             { "archives", "ms", H::ArchiveFolders, false, "Valorimetrico :: [Archivi metastock]" },
@@ -144,34 +126,27 @@ private Q_SLOTS:
     }
 
     // Panel 4 shows the state and opens the password window; a protected dossier asks the password first.
-    void protection_data()
-    {
-        QTest::addColumn<bool>("isProtected");
-        QTest::addColumn<QString>("tip");
-        QTest::newRow("protected") << true << "Accesso dossier titoli protetto";
-        QTest::newRow("open") << false << "Accesso dossier titoli non protetto";
-    }
     void protection()
     {
-        QFETCH(bool, isProtected);
-        QFETCH(QString, tip);
-        m_window->setDossierProtected(!isProtected);
-        const QString otherIcon = m_window->statusPanel(4)->iconName();
-        m_window->setDossierProtected(isProtected);
-        QCOMPARE(vm::state().DossierProtetto, isProtected);
-        QCOMPARE(m_window->statusBar()->toolTip(), tip);
-        QVERIFY(!m_window->statusPanel(4)->iconName().isEmpty());
-        QVERIFY(m_window->statusPanel(4)->iconName() != otherIcon);
-
         int windows = 0, prompts = 0, overviews = 0;
         m_window->setHook(MainWindow::Hook::PasswordWindow, [&windows] { ++windows; });
         m_window->setHook(MainWindow::Hook::PasswordPrompt, [&prompts] { ++prompts; });
         m_window->setHook(MainWindow::Hook::DossierOverview, [&overviews] { ++overviews; });
-        QTest::mouseClick(m_window->statusPanel(4), Qt::LeftButton);
-        QCOMPARE(windows, 1);
-        m_window->VaiDossierTitoli();
-        QCOMPARE(prompts, isProtected ? 1 : 0);
-        QCOMPARE(overviews, isProtected ? 0 : 1);
+        QStringList icons;
+        for (const bool isProtected : { true, false }) {
+            m_window->setDossierProtected(isProtected);
+            QCOMPARE(vm::state().DossierProtetto, isProtected);
+            QCOMPARE(m_window->statusBar()->toolTip(),
+                isProtected ? QStringLiteral("Accesso dossier titoli protetto")
+                            : QStringLiteral("Accesso dossier titoli non protetto"));
+            icons << m_window->statusPanel(4)->iconName();
+            QTest::mouseClick(m_window->statusPanel(4), Qt::LeftButton);
+            m_window->VaiDossierTitoli();
+        }
+        QVERIFY(!icons[0].isEmpty() && !icons[1].isEmpty() && icons[0] != icons[1]);
+        QCOMPARE(windows, 2);
+        QCOMPARE(prompts, 1);
+        QCOMPARE(overviews, 1);
     }
 
     // A text longer than its fixed-width panel is cut on screen, whole in the tool tip.
@@ -191,23 +166,17 @@ private Q_SLOTS:
         QCOMPARE(shown->toolTip(), QString());
     }
 
-    void closeAsksConfirmation_data()
-    {
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<bool>("closes");
-        QTest::newRow("no") << int(QMessageBox::No) << false;
-        QTest::newRow("yes") << int(QMessageBox::Yes) << true;
-    }
     void closeAsksConfirmation()
     {
-        QFETCH(int, answer);
-        QFETCH(bool, closes);
-        testing::setNextAnswer(QMessageBox::StandardButton(answer));
-        item(QStringLiteral("m_exit_prog"))->trigger();
-        QCOMPARE(onlyMessage(), QStringLiteral("Uscita dal programma|Confermi l'uscita?"));
-        QCOMPARE(testing::messages().first().buttons, QMessageBox::Yes | QMessageBox::No);
-        QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Exclamation);
-        QCOMPARE(m_window->isVisible(), !closes);
+        for (const auto answer : { QMessageBox::No, QMessageBox::Yes }) {
+            testing::reset();
+            testing::setNextAnswer(answer);
+            item(QStringLiteral("m_exit_prog"))->trigger();
+            QCOMPARE(onlyMessage(), QStringLiteral("Uscita dal programma|Confermi l'uscita?"));
+            QCOMPARE(testing::messages().first().buttons, QMessageBox::Yes | QMessageBox::No);
+            QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Exclamation);
+            QCOMPARE(m_window->isVisible(), answer == QMessageBox::No);
+        }
     }
 
     void maximiseReturnsToFixedSize()

@@ -137,7 +137,8 @@ private Q_SLOTS:
         const QLocale it(QLocale::Italian, QLocale::Italy);
         const QByteArray off("[Opzioni]\nSplash=0\n");
         QTest::newRow("no settings file") << QByteArray() << it << true << false;
-        QTest::newRow("splash on") << QByteArray("[Opzioni]\nSplash=1\n") << it << true << false;
+        QTest::newRow("splash one with decimals") << QByteArray("[Opzioni]\nSplash=1,0\n") << it << true << false;
+        QTest::newRow("splash two") << QByteArray("[Opzioni]\nSplash=2\n") << it << false << false;
         QTest::newRow("splash off") << off << it << false << false;
         QTest::newRow("key of another section") << QByteArray("[Grafico]\nSplash=0\n") << it << true << false;
         QTest::newRow("german") << off << QLocale(QLocale::German, QLocale::Germany) << false << false;
@@ -175,8 +176,9 @@ private Q_SLOTS:
         QVERIFY(!QApplication::overrideCursor());
     }
 
-    // The stored password decides the state and panel 4 before the user does anything.
-    void protectionShownAtLoad()
+    // The stored password decides the state and panel 4 before the user does anything; the
+    // compaction command works on the open database, twice in a row.
+    void usesTheOpenDatabase()
     {
         writeFile("valorimetrico.ini", "[Opzioni]\nSplash=0\n");
         {
@@ -188,14 +190,6 @@ private Q_SLOTS:
         QVERIFY(startup.Main());
         QVERIFY(vm::state().DossierProtetto);
         QCOMPARE(startup.mainWindow()->statusBar()->toolTip(), QStringLiteral("Accesso dossier titoli protetto"));
-    }
-
-    // The compaction command works on the open database, twice in a row.
-    void compactTwice()
-    {
-        writeFile("valorimetrico.ini", "[Opzioni]\nSplash=0\n");
-        Startup startup(environment());
-        QVERIFY(startup.Main());
         QAction *compact = startup.mainWindow()->findChild<QAction *>(QStringLiteral("m_dati_compatta"));
         compact->trigger();
         compact->trigger();

@@ -78,31 +78,6 @@ private Q_SLOTS:
             values);
     }
 
-    void splash_data()
-    {
-        QTest::addColumn<QByteArray>("value");
-        QTest::addColumn<bool>("shown");
-        QTest::addColumn<int>("error");
-        QTest::newRow("one with decimals") << QByteArray("1,0") << true << 0;
-        QTest::newRow("zero") << QByteArray("0") << false << 0;
-        QTest::newRow("other number") << QByteArray("2") << false << 0;
-        QTest::newRow("not a number") << QByteArray("si") << false << vm::kErroreTipoNonCorrispondente;
-    }
-    void splash()
-    {
-        QFETCH(QByteArray, value);
-        QFETCH(bool, shown);
-        QFETCH(int, error);
-        writeFile("[Opzioni]\nSplash=" + value + "\n");
-        const auto splash = vm::readSplash(file);
-        QCOMPARE(splash.value, shown);
-        QCOMPARE(splash.error, error);
-
-        // The check box writes back what the user sees.
-        QVERIFY(vm::writeSplash(file, !shown));
-        QCOMPARE(vm::readIni(file, u"Opzioni", u"Splash", u""), shown ? QStringLiteral("0") : QStringLiteral("1"));
-    }
-
     // Which key a colour choice goes to; the main window's test writes them through the menu.
     void colourKey_data()
     {
