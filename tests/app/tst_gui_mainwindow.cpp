@@ -18,6 +18,25 @@
 using vm::MainWindow;
 namespace testing = vm::ui::testing;
 
+namespace {
+
+struct Command {
+    const char *tag, *command;
+    MainWindow::Hook hook;
+    bool needsArchives;
+    const char *caption;
+};
+
+// Items triggered in turn (see item()), and the setting they leave.
+struct Choice {
+    const char *tag, *items, *section, *key, *value;
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(Command)
+Q_DECLARE_METATYPE(Choice)
+
 class TestMainWindow : public QObject
 {
     Q_OBJECT
@@ -77,17 +96,9 @@ private Q_SLOTS:
     // A command waits for the view it opens; quote-based commands also wait for the archives.
     void commandsFollowHooks_data()
     {
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<int>("hook");
-        QTest::addColumn<bool>("needsArchives");
-        QTest::addColumn<QString>("caption");
+        QTest::addColumn<Command>("row");
         using H = MainWindow::Hook;
-        const struct {
-            const char *tag, *command;
-            H hook;
-            bool needsArchives;
-            const char *caption;
-        } rows[] = {
+        const Command rows[] = {
             { "quote board", "giornata", H::QuoteBoard, true, "Valorimetrico :: [Quotazioni]" },
             { "trend", "grafico", H::DossierHistory, true, "Valorimetrico :: [Dossier-Trend]" },
             { "dossier day", "giornatadoss", H::QuoteBoardDossier, true, "Valorimetrico :: [Dossier Giornata]" },
@@ -97,23 +108,18 @@ private Q_SLOTS:
             { "tools", "m_strumenti_impostazioni", H::Tools, false, "Valorimetrico" },
         };
         for (const auto &r : rows)
-            QTest::newRow(r.tag) << QString::fromLatin1(r.command) << int(r.hook) << r.needsArchives
-                                 << QString::fromLatin1(r.caption);
+            QTest::newRow(r.tag) << r;
     }
     void commandsFollowHooks()
     {
-        QFETCH(QString, command);
-        QFETCH(int, hook);
-        QFETCH(bool, needsArchives);
-        QFETCH(QString, caption);
+        QFETCH(Command, row);
+        const QString command = QString::fromLatin1(row.command), caption = QString::fromLatin1(row.caption);
         QAction *a = m_window->toolbar(1)->findChild<QAction *>(command);
-        if (!a)
-            a = m_window->findChild<QAction *>(command);
-        QVERIFY(a);
+        QVERIFY(a || (a = m_window->findChild<QAction *>(command)));
         QVERIFY(!a->isEnabled());
         int calls = 0;
-        m_window->setHook(MainWindow::Hook(hook), [&calls] { ++calls; });
-        QCOMPARE(a->isEnabled(), !needsArchives);
+        m_window->setHook(row.hook, [&calls] { ++calls; });
+        QCOMPARE(a->isEnabled(), !row.needsArchives);
         m_window->setArchivesReady(true);
         QVERIFY(a->isEnabled());
         a->trigger();
@@ -122,7 +128,7 @@ private Q_SLOTS:
         if (caption != QLatin1String("Valorimetrico"))
             QCOMPARE(m_window->statusPanel(5)->text(), caption.section(QLatin1Char('['), 1).chopped(1));
         m_window->setArchivesReady(false);
-        QCOMPARE(a->isEnabled(), !needsArchives);
+        QCOMPARE(a->isEnabled(), !row.needsArchives);
     }
 
     // Panel 4 shows the state and opens the password window; a protected dossier asks the password first.
@@ -192,13 +198,8 @@ private Q_SLOTS:
     // the quote board redraws for its own. The colour menu writes to the chart and element its caller named.
     void chartSettings_data()
     {
-        QTest::addColumn<QStringList>("items");
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("value");
-        const struct {
-            const char *tag, *items, *section, *key, *value;
-        } rows[] = {
+        QTest::addColumn<Choice>("row");
+        const Choice rows[] = {
             { "grid all then none", "tutte,nessuna", "Grafico", "Griglie", "0" },
             { "grid all", "tutte", "Grafico", "Griglie", "3" },
             { "grid vertical", "vericali", "Grafico", "Griglie", "2" },
@@ -214,24 +215,20 @@ private Q_SLOTS:
             { "quote background", "sfondo,#7", "Grafico", "Sfondo", "7" },
         };
         for (const auto &r : rows)
-            QTest::newRow(r.tag) << QString::fromUtf8(r.items).split(u',') << QString::fromLatin1(r.section)
-                                 << QString::fromLatin1(r.key) << QString::fromLatin1(r.value);
+            QTest::newRow(r.tag) << r;
     }
     void chartSettings()
     {
-        QFETCH(QStringList, items);
-        QFETCH(QString, section);
-        QFETCH(QString, key);
-        QFETCH(QString, value);
+        QFETCH(Choice, row);
         QSignalSpy quoteRedraw(m_window.get(), &MainWindow::quoteChartSettingsChanged);
         QAction *last = nullptr;
-        for (const QString &name : items) {
+        for (const QString &name : QString::fromLatin1(row.items).split(u',')) {
             QVERIFY((last = item(name)));
             last->trigger();
         }
-        const QString ini = vm::state().FileIni;
-        const bool history = section == QLatin1String("GraficoStorico");
-        QCOMPARE(vm::readIni(ini, section, key, u"<none>"), value);
+        const QString ini = vm::state().FileIni, key = QString::fromLatin1(row.key);
+        const bool history = row.section == std::string_view("GraficoStorico");
+        QCOMPARE(vm::readIni(ini, QString::fromLatin1(row.section), key, u"<none>"), QString::fromLatin1(row.value));
         QCOMPARE(vm::readIni(ini, history ? u"Grafico" : u"GraficoStorico", key, u"<none>"), QStringLiteral("<none>"));
         QCOMPARE(quoteRedraw.isEmpty(), history);
         QVERIFY(!last->isCheckable() || last->isChecked());

@@ -86,7 +86,6 @@ private Q_SLOTS:
                 "proseguire.",
                 1 },
             { "wrong password", "Password non esatta|Accesso ai dati non consentito", 0 },
-            { "not a database", "Password non esatta|Accesso ai dati non consentito", 0 },
             { "in use", "Valorimetrico|Errore 3356", 0 },
             { "splash not a number", "Valorimetrico|Errore 13", 0 },
         };
@@ -107,8 +106,6 @@ private Q_SLOTS:
             QVERIFY(QFile::remove(db));
         else if (kind == QLatin1String("wrong password"))
             QVERIFY(QFile::remove(db) && !vm::store::Database::create(db, QStringLiteral("altra")).failed());
-        else if (kind == QLatin1String("not a database"))
-            writeFile("valorimetrico.mdb", QByteArray(4096, 'x'));
         else if (kind == QLatin1String("in use"))
             QVERIFY(other.open(db).ok());
         else

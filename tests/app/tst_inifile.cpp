@@ -22,7 +22,14 @@ QByteArray readBytes(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+struct Write {
+    const char *tag, *before, *value, *after; // before null: no file
+    const char *section = "S", *key = "k";
+};
+
 } // namespace
+
+Q_DECLARE_METATYPE(Write)
 
 class TestIniFile : public QObject
 {
@@ -94,16 +101,13 @@ private Q_SLOTS:
         QCOMPARE(vm::readIni(path(), section, key, defaultValue), expected);
     }
 
-    // Every row writes key "k" of section "S", checks the whole file afterwards and reads the value back.
+    // Every row writes key "k" of section "S" unless it names others, and checks the whole file afterwards.
+    // A row without "after" is refused: a name or value that would break the file's lines leaves it as it was.
     void write_data()
     {
-        QTest::addColumn<QByteArray>("before");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QByteArray>("after");
-
-        const struct {
-            const char *tag, *before, *value, *after;
-        } rows[] = {
+        QTest::addColumn<Write>("row");
+        const char *keep = "; tenere\n[S]\nk=1\n";
+        const Write rows[] = {
             { "creates the file", nullptr, "0", "[S]\nk=0\n" },
             { "adds a section at the end", "; commento\n[A]\nk=1\n", "2", "; commento\n[A]\nk=1\n\n[S]\nk=2\n" },
             { "adds a key after the section's last line", "[s]\nj=2\n; nota\n\n[A]\nk=1\n", "3",
@@ -119,56 +123,30 @@ private Q_SLOTS:
             { "blanks at the ends quoted", "[S]\nk=1\n", " x ", "[S]\nk=\" x \"\n" },
             { "quoted value quoted again", "[S]\nk=1\n", "'q'", "[S]\nk=\"'q'\"\n" },
             { "empty value", "[S]\nk=1\n", "", "[S]\nk=\n" },
+            { "line break in value", keep, "a\nb", nullptr },
+            { "carriage return in key", keep, "v", nullptr, "S", "k\rj" },
+            { "equals in key", keep, "v", nullptr, "S", "k=1" },
+            { "bracket in section", keep, "v", nullptr, "S]" },
+            { "blank key", keep, "v", nullptr, "S", " " },
+            { "empty section", keep, "v", nullptr, "" },
+            { "key like a section", keep, "v", nullptr, "S", "[k" },
+            { "key like a comment", keep, "v", nullptr, "S", "#k" },
         };
         for (const auto &r : rows)
-            QTest::newRow(r.tag) << QByteArray(r.before) << QString::fromUtf8(r.value) << QByteArray(r.after);
+            QTest::newRow(r.tag) << r;
     }
     void write()
     {
-        QFETCH(QByteArray, before);
-        QFETCH(QString, value);
-        QFETCH(QByteArray, after);
-        writeBytes(path(), before);
-        vm::EsitoScritturaIni = 0;
-        QVERIFY(vm::ScriviIni(path(), u"S", u"k", value));
-        QCOMPARE(vm::EsitoScritturaIni, qint16(1));
-        QCOMPARE(readBytes(path()), after);
-        QCOMPARE(vm::readIni(path(), u"S", u"k", u"?"), value);
-    }
-
-    // A name or value that would break the file's lines is refused and the file left as it was.
-    void writeRefused_data()
-    {
-        QTest::addColumn<QString>("section");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("value");
-        const struct {
-            const char *tag, *section, *key, *value;
-        } rows[] = {
-            { "line break in value", "S", "k", "a\nb" },
-            { "carriage return in key", "S", "k\rj", "v" },
-            { "equals in key", "S", "k=1", "v" },
-            { "bracket in section", "S]", "k", "v" },
-            { "blank key", "S", " ", "v" },
-            { "empty section", "", "k", "v" },
-            { "key like a section", "S", "[k", "v" },
-            { "key like a comment", "S", "#k", "v" },
-        };
-        for (const auto &r : rows)
-            QTest::newRow(r.tag) << QString::fromLatin1(r.section) << QString::fromLatin1(r.key)
-                                 << QString::fromLatin1(r.value);
-    }
-    void writeRefused()
-    {
-        QFETCH(QString, section);
-        QFETCH(QString, key);
-        QFETCH(QString, value);
-        const QByteArray before("; tenere\n[S]\nk=1\n");
-        writeBytes(path(), before);
-        vm::EsitoScritturaIni = 1;
-        QVERIFY(!vm::ScriviIni(path(), section, key, value));
-        QCOMPARE(vm::EsitoScritturaIni, qint16(0));
-        QCOMPARE(readBytes(path()), before);
+        QFETCH(Write, row);
+        const QString value = QString::fromUtf8(row.value);
+        writeBytes(path(), QByteArray(row.before));
+        vm::EsitoScritturaIni = row.after ? 0 : 1;
+        QCOMPARE(vm::ScriviIni(path(), QString::fromLatin1(row.section), QString::fromLatin1(row.key), value),
+            row.after != nullptr);
+        QCOMPARE(vm::EsitoScritturaIni, qint16(row.after ? 1 : 0));
+        QCOMPARE(readBytes(path()), QByteArray(row.after ? row.after : row.before));
+        if (row.after)
+            QCOMPARE(vm::readIni(path(), u"S", u"k", u"?"), value);
     }
 
     // A folder where the file should be, a missing folder, and a file too large to be settings.

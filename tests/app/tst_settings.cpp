@@ -77,35 +77,6 @@ private Q_SLOTS:
                      double(s.GriglieGrafico), double(s.PeriodoGrafico) }),
             values);
     }
-
-    // Which key a colour choice goes to; the main window's test writes them through the menu.
-    void colourKey_data()
-    {
-        QTest::addColumn<QString>("chart");
-        QTest::addColumn<QString>("element");
-        QTest::addColumn<QString>("target"); // "section/key", empty: none
-
-        const struct {
-            const char *tag, *chart, *element, *target;
-        } rows[] = {
-            { "history data", "S", "D", "GraficoStorico/Dati" },
-            { "board axes", "Q", "A", "Grafico/Assi" },
-            { "board by empty marker", "", "S", "Grafico/Sfondo" },
-            { "lower-case marker is not history", "s", "S", "Grafico/Sfondo" },
-            { "unknown element", "S", "X", "" },
-        };
-        for (const auto &r : rows)
-            QTest::newRow(r.tag) << QString::fromLatin1(r.chart) << QString::fromLatin1(r.element)
-                                 << QString::fromLatin1(r.target);
-    }
-    void colourKey()
-    {
-        QFETCH(QString, chart);
-        QFETCH(QString, element);
-        QFETCH(QString, target);
-        const auto key = vm::colourKey(chart, element);
-        QCOMPARE(key ? QString::fromLatin1(key->section) + u'/' + QString::fromLatin1(key->key) : QString(), target);
-    }
 };
 
 QTEST_APPLESS_MAIN(TestSettings)
