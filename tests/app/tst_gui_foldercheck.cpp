@@ -1,5 +1,7 @@
-// The folder check with its window: what the progress panel, the status bar and the data commands
-// show after each kind of problem, the messages, the report and the program's archive flags.
+// The MetaStock folder check: what the progress panel, the status bar and the data commands show
+// after each kind of problem, the messages, the report and the program's archive flags; the same
+// check from the command line, and on real archives.
+#include "app/FolderCheck.h"
 #include "app/FolderCheckRunner.h"
 #include "app/MainWindow.h"
 #include "app/MessageBox.h"
@@ -13,6 +15,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QListWidget>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -29,13 +32,20 @@ const QString kInvalidTitles
     = QStringLiteral("Alcuni titoli Metastock non sono conformi allo standard, verificare i titoli.");
 const QString kStatusError
     = QStringLiteral("Errore sugli archivi metastock, verifica se i dati sono già utilizzati da altre applicazioni.");
-const QString kNotCompatible
-    = QStringLiteral("Archivi metastock, non compatibili molte funzioni non sono disponibili.");
+const QString kNotCompatible = QString::fromUtf8(kArchiviNonCompatibili);
 
-TitoloArchivio title(const char *symbol, int fields)
+// %1, %2 in the texts: the folders' paths. The report's problem lines follow its heading.
+struct Problem {
+    QStringList kinds, lines, report;
+    QString label;
+    bool compatible; // ArchiviCompatibili after the run
+};
+
+TitoloArchivio title(const char *symbol, const char *name, int fields = 7)
 {
     TitoloArchivio t;
-    t.simbolo = t.nome = QString::fromLatin1(symbol);
+    t.simbolo = QString::fromLatin1(symbol);
+    t.nome = QString::fromLatin1(name);
     t.campi = fields;
     QuotaMS q;
     q.data = QDate(2025, 6, 2);
@@ -55,7 +65,9 @@ QStringList items(const QListWidget *list)
 
 } // namespace
 
-class TestGuiFolderCheck : public QObject
+Q_DECLARE_METATYPE(Problem)
+
+class TestFolderCheck : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +77,8 @@ class TestGuiFolderCheck : public QObject
     std::unique_ptr<MainWindow> m_main;
     int m_overviews = 0;
 
-    // A folder of the given kind: ready, missing, empty, readonly, fivefields, unmarked.
+    // A fresh folder of the given kind: ready, lowercase (file names), missing, empty, readonly
+    // (directory file), invalid (titles with 5 and 6 fields), unmarked.
     QString folder(const QString &kind)
     {
         const QString path = m_tmp.filePath(QStringLiteral("%1-%2").arg(kind).arg(++m_n));
@@ -74,25 +87,39 @@ class TestGuiFolderCheck : public QObject
         QDir().mkpath(path);
         if (kind == QLatin1String("empty"))
             return path;
-        QList<TitoloArchivio> titles { title("ENI", 7) };
-        if (kind == QLatin1String("fivefields"))
-            titles << title("OLD", 5);
+        QList<TitoloArchivio> titles { title("ENI", "ENI") };
+        if (kind == QLatin1String("invalid"))
+            titles << title("FIAT", "FIAT AUTO", 5) << title("TIM", "TELECOM", 6);
         OpzioniArchivio options;
         options.marcato = kind != QLatin1String("unmarked");
+        options.nomiMinuscoli = kind == QLatin1String("lowercase");
         if (!scriviArchivio(path, titles, options))
             qFatal("archive not written");
         if (kind == QLatin1String("readonly"))
             QFile::setPermissions(path + QStringLiteral("/MASTER"), QFile::ReadOwner | QFile::ReadGroup);
         return path;
     }
-
+    QStringList folders(const QStringList &kinds)
+    {
+        QStringList paths;
+        for (const QString &kind : kinds)
+            paths << folder(kind);
+        return paths;
+    }
+    QString database(const QStringList &folders, const QString &dir)
+    {
+        const QString path = dir + QStringLiteral("/db%1.mdb").arg(++m_n);
+        if (store::Database::create(path).failed())
+            qFatal("database not created");
+        store::Database db;
+        if (!db.open(path).ok() || !db.replaceFolders(folders))
+            qFatal("folders not stored");
+        return path;
+    }
     void start(const QStringList &folders)
     {
-        const QString path = m_tmp.filePath(QStringLiteral("db%1.mdb").arg(++m_n));
-        QVERIFY(!store::Database::create(path).failed());
         m_db = std::make_unique<store::Database>();
-        QVERIFY(m_db->open(path).ok());
-        QVERIFY(m_db->replaceFolders(folders));
+        QVERIFY(m_db->open(database(folders, m_tmp.path())).ok());
         m_main = std::make_unique<MainWindow>();
         m_main->setHook(MainWindow::Hook::DossierOverview, [this] { ++m_overviews; });
         m_main->setHook(MainWindow::Hook::QuoteBoard, [] {});
@@ -109,7 +136,6 @@ private Q_SLOTS:
         QVERIFY(m_tmp.isValid());
         setProgramFolder(m_tmp.path());
     }
-
     void init()
     {
         ui::testing::reset();
@@ -118,7 +144,6 @@ private Q_SLOTS:
         state().AttributiMaster = 0;
         QFile::remove(report());
     }
-
     void cleanup()
     {
         m_main.reset();
@@ -127,107 +152,95 @@ private Q_SLOTS:
 
     void eachProblem_data()
     {
-        QTest::addColumn<QStringList>("kinds");
-        QTest::addColumn<QStringList>("lines"); // %1, %2: the folders' paths
-        QTest::addColumn<QString>("label");
-        QTest::addColumn<bool>("ready"); // every folder ready: panel hidden, "Pronto", commands enabled
-        QTest::addColumn<bool>("compatible"); // ArchiviCompatibili after the run
-        QTest::addColumn<QStringList>("reportLines");
-        auto row = [](const char *name, const QStringList &kinds, const QStringList &lines, const QString &label,
-                       bool compatible, const QStringList &report) {
-            const bool ready = !lines.contains(kNotCompatible);
-            QTest::newRow(name) << kinds << lines << label << ready << compatible << report;
+        QTest::addColumn<Problem>("problem");
+        auto failed = [](const char *tag, const char *kind, const char *line) {
+            const QString l = QString::fromUtf8(line);
+            QTest::newRow(tag) << Problem { { QString::fromLatin1(kind) }, { l, kNotCompatible },
+                { QStringLiteral("Errore ") + l }, kCheckFolders, false };
         };
-        auto failed = [&](const char *name, const char *kind, const QString &line) {
-            row(name, { QString::fromLatin1(kind) }, { line, kNotCompatible }, kCheckFolders, false,
-                { QStringLiteral("Errore ") + line });
-        };
-        row("ready", { "ready" }, { "Cartella %1 pronta" }, kReady, true, {});
-        failed("missing folder", "missing", QStringLiteral("Cartella %1 metastock non trovata"));
-        failed("no directory file", "empty", QStringLiteral("La directory %1 non contiene files metastock"));
+        QTest::newRow("ready, lower-case file names")
+            << Problem { { "ready", "lowercase" }, { "Cartella %1 pronta", "Cartella %2 pronta" }, {}, kReady, true };
+        failed("missing folder", "missing", "Cartella %1 metastock non trovata");
+        failed("no directory file", "empty", "La directory %1 non contiene files metastock");
         failed("read-only directory file", "readonly",
-            QStringLiteral("ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella %1"));
-        failed("unmarked archive", "unmarked", QStringLiteral("Cartella %1 non aggiornata con Quotaflusso"));
-        row("title with 5 fields", { "fivefields" }, { "Cartella %1 pronta" }, kInvalidTitles, false,
-            { "Errore titolo non valido OLD" });
-        row("one good, one missing", { "ready", "missing" },
-            { "Cartella %1 pronta", "Cartella %2 metastock non trovata", kNotCompatible }, kCheckFolders, false,
-            { "Errore Cartella %2 metastock non trovata" });
+            "ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella %1");
+        failed("unmarked archive", "unmarked", "Cartella %1 non aggiornata con Quotaflusso");
+        QTest::newRow("titles with 5 and 6 fields") << Problem { { "invalid" }, { "Cartella %1 pronta" },
+            { "Errore titolo non valido FIAT AUTO", "Errore titolo non valido TELECOM" }, kInvalidTitles, false };
+        QTest::newRow("one good, one missing") << Problem { { "ready", "missing" },
+            { "Cartella %1 pronta", "Cartella %2 metastock non trovata", kNotCompatible },
+            { "Errore Cartella %2 metastock non trovata" }, kCheckFolders, false };
+        QTest::newRow("invalid titles outrank the folders") << Problem { { "invalid", "unmarked" },
+            { "Cartella %1 pronta", "Cartella %2 non aggiornata con Quotaflusso", kNotCompatible },
+            { "Errore titolo non valido FIAT AUTO", "Errore titolo non valido TELECOM",
+                "Errore Cartella %2 non aggiornata con Quotaflusso" },
+            kInvalidTitles, false };
     }
     void eachProblem()
     {
-        QFETCH(QStringList, kinds);
-        QFETCH(QStringList, lines);
-        QFETCH(QString, label);
-        QFETCH(bool, ready);
-        QFETCH(bool, compatible);
-        QFETCH(QStringList, reportLines);
-
-        QStringList paths;
-        for (const QString &kind : kinds)
-            paths << folder(kind);
-        auto fill = [&](QString text) {
-            for (int i = 0; i < paths.size(); ++i)
-                text.replace(QStringLiteral("%%1").arg(i + 1), paths[i]);
-            return text;
+        QFETCH(Problem, problem);
+        const QStringList paths = folders(problem.kinds);
+        auto fill = [&](QStringList lines) {
+            for (QString &l : lines) {
+                for (int i = 0; i < paths.size(); ++i)
+                    l.replace(QStringLiteral("%%1").arg(i + 1), paths[i]);
+            }
+            return lines;
         };
         start(paths);
         m_main->VerificaDirMS();
 
-        QStringList expected;
-        for (const QString &l : lines)
-            expected << fill(l);
-        QCOMPARE(items(m_main->folderList()), expected);
-        QCOMPARE(m_main->progressLabel()->text(), label);
-        QCOMPARE(m_main->progressLabel()->styleSheet().isEmpty(), label == kReady);
-        QCOMPARE(m_main->statusPanel(2)->text(), label);
+        // Every folder ready: panel hidden, "Pronto", the data commands enabled.
+        const bool ready = !problem.lines.contains(kNotCompatible);
+        const bool readOnly = problem.kinds.contains(QStringLiteral("readonly"));
+        QCOMPARE(items(m_main->folderList()), fill(problem.lines));
+        QCOMPARE(m_main->progressLabel()->text(), problem.label);
+        QCOMPARE(m_main->progressLabel()->styleSheet().isEmpty(), problem.label == kReady);
+        QCOMPARE(m_main->statusPanel(2)->text(), problem.label);
         QCOMPARE(m_main->statusPanel(1)->text(), ready ? QStringLiteral("Pronto") : kStatusError);
         QCOMPARE(m_main->statusPanel(1)->iconName().isEmpty(), !ready);
         QCOMPARE(m_main->progressPanel()->isVisible(), !ready);
         QCOMPARE(m_main->progressBar()->text(), QStringLiteral("100%"));
         QCOMPARE(m_main->cursor().shape(), Qt::ArrowCursor);
-        QCOMPARE(state().ArchiviCompatibili, compatible);
-        QCOMPARE(state().AttributiMaster, kinds.contains(QStringLiteral("readonly")) ? 1 : 0);
-        QCOMPARE(ui::testing::beeps(), kinds.contains(QStringLiteral("readonly")) ? 1 : 0);
+        QCOMPARE(state().ArchiviCompatibili, problem.compatible);
+        QCOMPARE(state().AttributiMaster, readOnly ? 1 : 0);
+        QCOMPARE(ui::testing::beeps(), readOnly ? 1 : 0);
 
         // The data commands follow the folders; the dossier itself also wants standard titles.
         QCOMPARE(menuItem("m_dossier")->isEnabled(), ready);
         QCOMPARE(menuItem("m_giornata")->isEnabled(), ready);
         m_main->button(1, QStringLiteral("portafoglio"))->trigger();
-        QCOMPARE(m_overviews, compatible ? 1 : 0);
+        QCOMPARE(m_overviews, problem.compatible ? 1 : 0);
+        QCOMPARE(m_main->windowTitle(),
+            problem.compatible ? QStringLiteral("Valorimetrico :: [Dossier-Asset]") : QStringLiteral("Valorimetrico"));
 
         QFile file(report());
         QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
         const QStringList written = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
         QVERIFY(written.value(1).startsWith(QStringLiteral("Report Test Metastock files, stampato ")));
-        QStringList expectedReport;
-        for (const QString &l : reportLines)
-            expectedReport << fill(l);
-        QCOMPARE(written.mid(3, expectedReport.size()), expectedReport);
+        QCOMPARE(written.mid(3, problem.report.size()), fill(problem.report));
 
-        QStringList shown;
+        // Invalid titles are told and their report opened; the dossier key refuses after the check's messages.
+        const bool invalidTitles = problem.label == kInvalidTitles;
+        QStringList shown, expected;
         for (const auto &m : ui::testing::messages())
             shown << m.title + QStringLiteral(": ") + m.text;
-        if (label == kInvalidTitles) {
-            QCOMPARE(shown.value(0),
-                QStringLiteral("Titoli non validi: Alcuni titoli non sono conformi e molte funzioni del\n"
-                               "programma non sono utilizzabili."));
-            QCOMPARE(ui::testing::messages().first().icon, ui::Icon::Critical);
-            QCOMPARE(ui::testing::openedDocuments(), QStringList { report() });
-        } else {
-            QVERIFY(ui::testing::openedDocuments().isEmpty());
-        }
-        if (!compatible) // the dossier key refuses, once the check's own messages are shown
-            QCOMPARE(shown.last(),
-                QStringLiteral("Valorimetrico: I dati metastock non sono inseriti da Quotaflusso, questa funzione "
-                               "non è disponibile"));
-        else
-            QVERIFY(shown.isEmpty());
+        if (invalidTitles)
+            expected << QStringLiteral("Titoli non validi: Alcuni titoli non sono conformi e molte funzioni del\n"
+                                       "programma non sono utilizzabili.");
+        if (!problem.compatible)
+            expected << QStringLiteral("Valorimetrico: I dati metastock non sono inseriti da Quotaflusso, questa "
+                                       "funzione non è disponibile");
+        QCOMPARE(shown, expected);
+        QVERIFY(!invalidTitles || ui::testing::messages().first().icon == ui::Icon::Critical);
+        QCOMPARE(ui::testing::openedDocuments(), invalidTitles ? QStringList { report() } : QStringList {});
     }
 
+    // Only the message: no report, no outcome, the verdict of the last run kept.
     void noFolders()
     {
         start({});
+        state().ArchiviCompatibili = true;
         m_main->folderList()->addItem(QStringLiteral("earlier"));
         m_main->VerificaDirMS();
         QCOMPARE(ui::testing::messages().size(), 1);
@@ -236,22 +249,26 @@ private Q_SLOTS:
         QCOMPARE(m.icon, ui::Icon::Critical);
         QVERIFY(
             m.text.startsWith(QStringLiteral("Le cartelle metastock non sono inserite, per l'uso del programma\n")));
-        // Nothing else: no report, no outcome, the dossier still refused.
         QVERIFY(!QFile::exists(report()));
         QCOMPARE(items(m_main->folderList()), QStringList { QStringLiteral("earlier") });
-        QVERIFY(!state().ArchiviCompatibili);
+        QVERIFY(state().ArchiviCompatibili);
         QVERIFY(!menuItem("m_dossier")->isEnabled());
     }
 
-    // The "test" key checks again from a clean list; a run with a folder not ready disables the
-    // commands but keeps the verdict of the run that passed.
+    // A report that cannot be written is said, and the check's outcome still stands. The "test" key
+    // checks again from a clean list; a run with a folder not ready disables the commands but keeps
+    // the verdict of the run that passed.
     void checkAgainFromTheToolbar()
     {
         const QString good = folder(QStringLiteral("ready"));
+        QVERIFY(QDir().mkpath(report())); // a folder where the file should go
         start({ good });
         m_main->VerificaDirMS();
         QVERIFY(state().ArchiviCompatibili);
         QVERIFY(!m_main->progressPanel()->isVisible());
+        QCOMPARE(ui::testing::messages().size(), 1);
+        QVERIFY(ui::testing::messages().first().text.startsWith(QStringLiteral("Impossibile scrivere il report ")));
+        QVERIFY(QDir().rmdir(report()));
 
         QVERIFY(QDir(good).removeRecursively());
         m_main->button(3, QStringLiteral("test"))->trigger();
@@ -261,21 +278,72 @@ private Q_SLOTS:
         QVERIFY(!menuItem("m_dossier")->isEnabled());
         QVERIFY(state().ArchiviCompatibili);
         QCOMPARE(m_main->statusPanel(1)->text(), kStatusError);
+        QVERIFY(QFile::exists(report()));
     }
 
-    // A report that cannot be written is said, and the check's outcome still stands.
-    void reportNotWritable()
+    // The heading with the run's time; the closing block that sends the user to the companion
+    // program comes only with invalid titles, and nothing follows it.
+    void reportText()
     {
-        const QString good = folder(QStringLiteral("ready"));
-        QVERIFY(QDir().mkpath(report())); // a folder where the file should go
-        start({ good });
-        m_main->VerificaDirMS();
-        QVERIFY(state().ArchiviCompatibili);
-        QCOMPARE(ui::testing::messages().size(), 1);
-        QVERIFY(ui::testing::messages().first().text.startsWith(QStringLiteral("Impossibile scrivere il report ")));
-        QVERIFY(QDir().rmdir(report()));
+        const QDateTime when(QDate(2026, 11, 23), QTime(9, 5, 7));
+        const QString heading = QStringLiteral("\nReport Test Metastock files, stampato 23/11/2026 09:05:07\n\n");
+        QCOMPARE(testoReport(verificaCartelle({ folder(QStringLiteral("ready")) }), when), heading);
+        const QStringList lines
+            = testoReport(verificaCartelle({ folder(QStringLiteral("invalid")) }), when).split(QLatin1Char('\n'));
+        QVERIFY(heading.startsWith(lines.mid(0, 3).join(QLatin1Char('\n'))));
+        QCOMPARE(lines.size(), 5 + 3 + 1);
+        QVERIFY(lines.at(6).contains(QLatin1String(kSitoQuotaflusso)));
+        QVERIFY(lines.last().isEmpty());
+    }
+
+    // The outcome lines on standard output, the report beside the database, success only when the
+    // dossier could open.
+    void commandLine_data()
+    {
+        QTest::addColumn<QStringList>("kinds");
+        QTest::addColumn<int>("exitCode");
+        QTest::newRow("ready") << QStringList { "ready", "lowercase" } << 0;
+        QTest::newRow("unmarked") << QStringList { "ready", "unmarked" } << 1;
+        QTest::newRow("invalid titles") << QStringList { "invalid" } << 1;
+        QTest::newRow("no folders") << QStringList {} << 1;
+    }
+    void commandLine()
+    {
+        QFETCH(QStringList, kinds);
+        QFETCH(int, exitCode);
+        QTemporaryDir program;
+        const QStringList paths = folders(kinds);
+        QVERIFY(QFile::rename(database(paths, program.path()), program.filePath(QStringLiteral("valorimetrico.mdb"))));
+        QProcess cli;
+        cli.start(QStringLiteral(VM_CLI_PATH), { "verifica", "--cartella", program.path() });
+        QVERIFY(cli.waitForFinished(60000));
+        QCOMPARE(cli.exitCode(), exitCode);
+        QString lines;
+        for (const auto &e : verificaCartelle(paths).esiti)
+            lines += e.testo + QLatin1Char('\n');
+        QCOMPARE(QString::fromUtf8(cli.readAllStandardOutput()), lines);
+        QCOMPARE(QFile::exists(program.filePath(QStringLiteral("MstkTestFiles.txt"))), !kinds.isEmpty());
+    }
+
+    // A real archive not kept by the companion program, 23 of its 25 titles with 6 fields. The shared
+    // copy is read-only on disk, which the check rightly takes for a folder in use: check a writable copy.
+    void realArchive()
+    {
+        const QString source = QStringLiteral(VM_FIXTURES_DIR "/sei-campi");
+        if (!QFileInfo(source).isDir())
+            QSKIP("real archives not present");
+        const QString path = m_tmp.filePath(QStringLiteral("sei-campi/"));
+        QDir().mkpath(path);
+        for (const auto &f : QDir(source).entryInfoList(QDir::Files)) {
+            QVERIFY(QFile::copy(f.filePath(), path + f.fileName()));
+            QFile::setPermissions(path + f.fileName(), QFile::ReadOwner | QFile::WriteOwner);
+        }
+        const auto v = verificaCartelle({ path });
+        QCOMPARE(v.esiti.first().testo, "Cartella " + path + " non aggiornata con Quotaflusso");
+        QCOMPARE(v.righeReport.size(), 23 + 1);
+        QVERIFY(v.titoliNonValidi);
     }
 };
 
-QTEST_MAIN(TestGuiFolderCheck)
+QTEST_MAIN(TestFolderCheck)
 #include "tst_gui_foldercheck.moc"

@@ -6,7 +6,6 @@
 #include "store/Database.h"
 
 #include <QAction>
-#include <QCheckBox>
 #include <QFile>
 #include <QStatusBar>
 #include <QTemporaryDir>
@@ -24,13 +23,18 @@ class TestStartup : public QObject
     int m_folderChecks = 0;
 
     QString file(const char *name) const { return m_folder->filePath(QString::fromLatin1(name)); }
-    void writeIni(const QByteArray &text) const
+    QByteArray contents(const char *name) const
     {
-        QFile f(file("valorimetrico.ini"));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(text);
+        QFile f(file(name));
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
-    // An Italian system with a 1024-pixel screen, a database and no settings file.
+    void writeFile(const char *name, const QByteArray &bytes) const
+    {
+        QFile f(file(name));
+        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        f.write(bytes);
+    }
+    // An Italian system with a 1024-pixel screen and a database.
     vm::StartupEnvironment environment()
     {
         vm::StartupEnvironment env;
@@ -64,206 +68,129 @@ private Q_SLOTS:
         m_folder.reset();
     }
 
-    void screenWidth_data()
-    {
-        QTest::addColumn<int>("width");
-        QTest::addColumn<bool>("starts");
-        QTest::newRow("640") << 640 << false;
-        QTest::newRow("480") << 480 << false;
-        QTest::newRow("720") << 720 << true;
-        QTest::newRow("800") << 800 << true;
-        QTest::newRow("1024") << 1024 << true;
-    }
-    void screenWidth()
-    {
-        QFETCH(int, width);
-        QFETCH(bool, starts);
-        auto env = environment();
-        env.screenWidth = width;
-        Startup startup(env);
-        QCOMPARE(startup.Main(), starts);
-        QCOMPARE(startup.mainWindow() != nullptr, starts);
-        if (!starts) {
-            QCOMPARE(shownTexts(),
-                QStringList { "Valorimetrico|L'applicazione richiede una risoluzione minima\n"
-                              "dello schermo di 800 x 600 pixel" });
-            QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Critical);
-            QCOMPARE(testing::beeps(), 1);
-        }
-    }
-
-    void missingDatabase()
-    {
-        QFile::remove(file("valorimetrico.mdb"));
-        Startup startup(environment());
-        QVERIFY(!startup.Main());
-        QVERIFY(!vm::state().DbDossier);
-        QCOMPARE(shownTexts(),
-            QStringList { "Valorimetrico|Importante!, l'archivio di Quotaflusso non è stato trovato, "
-                          "non posso proseguire." });
-        QCOMPARE(testing::beeps(), 1);
-    }
-
-    // A database that cannot be used ends the start before any window opens.
-    void databaseRefused_data()
+    // Each ends the start with one critical message (its first line here) before any window opens,
+    // and leaves the database file as it was.
+    void refused_data()
     {
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("wrong password") << "password"
-                                        << "Password non esatta|Accesso ai dati non consentito";
-        QTest::newRow("not a database") << "garbage"
-                                        << "Password non esatta|Accesso ai dati non consentito";
-        QTest::newRow("in use") << "locked"
-                                << "Valorimetrico|Errore 3356";
+        QTest::addColumn<int>("beeps");
+        const struct {
+            const char *kind, *shown;
+            int beeps;
+        } rows[] = {
+            { "640", "Valorimetrico|L'applicazione richiede una risoluzione minima", 1 },
+            { "480", "Valorimetrico|L'applicazione richiede una risoluzione minima", 1 },
+            { "no database",
+                "Valorimetrico|Importante!, l'archivio di Quotaflusso non è stato trovato, non posso "
+                "proseguire.",
+                1 },
+            { "wrong password", "Password non esatta|Accesso ai dati non consentito", 0 },
+            { "in use", "Valorimetrico|Errore 3356", 0 },
+            { "splash not a number", "Valorimetrico|Errore 13", 0 },
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.kind) << QString::fromLatin1(r.kind) << QString::fromUtf8(r.shown) << r.beeps;
     }
-    void databaseRefused()
+    void refused()
     {
         QFETCH(QString, kind);
         QFETCH(QString, shown);
-        const QString path = file("valorimetrico.mdb");
+        QFETCH(int, beeps);
+        auto env = environment();
+        const QString db = file("valorimetrico.mdb");
         vm::store::Database other;
-        if (kind == QLatin1String("password")) {
-            QVERIFY(QFile::remove(path));
-            QVERIFY(!vm::store::Database::create(path, QStringLiteral("altra")).failed());
-        } else if (kind == QLatin1String("garbage")) {
-            QFile f(path);
-            QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-            f.write(QByteArray(4096, 'x'));
-        } else {
-            QVERIFY(other.open(path).ok());
-        }
-        const QByteArray before = [&] {
-            QFile f(path);
-            return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-        }();
-        Startup startup(environment());
+        if (kind.toInt() > 0)
+            env.screenWidth = kind.toInt();
+        else if (kind == QLatin1String("no database"))
+            QVERIFY(QFile::remove(db));
+        else if (kind == QLatin1String("wrong password"))
+            QVERIFY(QFile::remove(db) && !vm::store::Database::create(db, QStringLiteral("altra")).failed());
+        else if (kind == QLatin1String("in use"))
+            QVERIFY(other.open(db).ok());
+        else
+            writeFile("valorimetrico.ini", "[Opzioni]\nSplash=si\n");
+        const QByteArray before = contents("valorimetrico.mdb");
+
+        Startup startup(env);
         QVERIFY(!startup.Main());
         QVERIFY(!startup.mainWindow());
-        QCOMPARE(shownTexts().value(0).section(QLatin1Char('\n'), 0, 0), shown);
         QCOMPARE(shownTexts().size(), 1);
+        QCOMPARE(shownTexts().first().section(QLatin1Char('\n'), 0, 0), shown);
         QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Critical);
+        QCOMPARE(testing::beeps(), beeps);
         QCOMPARE(m_folderChecks, 0);
-        QFile f(path);
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll(), before); // refused files stay as they were
+        QCOMPARE(contents("valorimetrico.mdb"), before);
     }
 
-    // No settings file: the splash shows with its box checked, and nothing gets written.
-    void noSettingsFile()
+    // A 720-pixel screen starts: only 640 and 480 are refused. The folder check waits for the splash
+    // when it shows; English settings write 0.789 with a point, which earns a warning, and the start goes on.
+    void starts_data()
     {
-        Startup startup(environment());
-        QVERIFY(startup.Main());
-        vm::aux::Form135 *splash = vm::aux::Form135::instance();
-        QVERIFY(splash);
-        QVERIFY(splash->isVisible());
-        QCOMPARE(splash->tag(), QStringLiteral("X"));
-        QVERIFY(splash->findChild<QCheckBox *>(QStringLiteral("Check1"))->isChecked());
-        QCOMPARE(splash->parentWidget(), startup.mainWindow());
-        QVERIFY(startup.mainWindow()->isVisible());
-        QCOMPARE(m_folderChecks, 0); // waits for the splash to close
-        QVERIFY(!QFile::exists(file("valorimetrico.ini")));
-        QVERIFY(shownTexts().isEmpty());
-        QVERIFY(!QApplication::overrideCursor());
-
-        splash->close();
-        QCOMPARE(m_folderChecks, 1);
-    }
-
-    void splashSetting_data()
-    {
-        QTest::addColumn<QByteArray>("ini");
+        QTest::addColumn<QByteArray>("ini"); // null: no settings file
+        QTest::addColumn<QLocale>("locale");
         QTest::addColumn<bool>("splash");
-        QTest::newRow("off") << QByteArray("[Opzioni]\nSplash=0\n") << false;
-        QTest::newRow("two") << QByteArray("[Opzioni]\nSplash=2\n") << false;
-        QTest::newRow("on") << QByteArray("[Opzioni]\nSplash=1\n") << true;
-        QTest::newRow("other section only") << QByteArray("[Grafico]\nSplash=0\n") << true;
+        QTest::addColumn<bool>("warns");
+        const QLocale it(QLocale::Italian, QLocale::Italy);
+        const QByteArray off("[Opzioni]\nSplash=0\n");
+        QTest::newRow("no settings file") << QByteArray() << it << true << false;
+        QTest::newRow("splash one with decimals") << QByteArray("[Opzioni]\nSplash=1,0\n") << it << true << false;
+        QTest::newRow("splash two") << QByteArray("[Opzioni]\nSplash=2\n") << it << false << false;
+        QTest::newRow("splash off") << off << it << false << false;
+        QTest::newRow("key of another section") << QByteArray("[Grafico]\nSplash=0\n") << it << true << false;
+        QTest::newRow("german") << off << QLocale(QLocale::German, QLocale::Germany) << false << false;
+        QTest::newRow("english") << off << QLocale(QLocale::English, QLocale::UnitedStates) << false << true;
     }
-    void splashSetting()
+    void starts()
     {
         QFETCH(QByteArray, ini);
-        QFETCH(bool, splash);
-        writeIni(ini);
-        Startup startup(environment());
-        QVERIFY(startup.Main());
-        vm::aux::Form135 *form = vm::aux::Form135::instance();
-        QCOMPARE(form != nullptr, splash);
-        QCOMPARE(startup.mainWindow()->progressPanel()->isVisible(), !splash);
-        QCOMPARE(m_folderChecks, splash ? 0 : 1);
-    }
-
-    void splashNotANumber()
-    {
-        writeIni("[Opzioni]\nSplash=si\n");
-        Startup startup(environment());
-        QVERIFY(!startup.Main());
-        QCOMPARE(shownTexts(), QStringList { "Valorimetrico|Errore 13" });
-        QVERIFY(!startup.mainWindow());
-    }
-
-    // English settings write 0.789 with a point: a warning once the main window is up, and on.
-    void regionalSettings_data()
-    {
-        QTest::addColumn<QLocale>("locale");
-        QTest::addColumn<bool>("warns");
-        QTest::newRow("italian") << QLocale(QLocale::Italian, QLocale::Italy) << false;
-        QTest::newRow("german") << QLocale(QLocale::German, QLocale::Germany) << false;
-        QTest::newRow("english") << QLocale(QLocale::English, QLocale::UnitedStates) << true;
-        QTest::newRow("C") << QLocale::c() << true;
-    }
-    void regionalSettings()
-    {
         QFETCH(QLocale, locale);
+        QFETCH(bool, splash);
         QFETCH(bool, warns);
-        writeIni("[Opzioni]\nSplash=0\n");
+        if (!ini.isNull())
+            writeFile("valorimetrico.ini", ini);
         auto env = environment();
+        env.screenWidth = 720;
         env.systemLocale = locale;
         Startup startup(env);
         QVERIFY(startup.Main());
         QVERIFY(startup.mainWindow()->isVisible());
-        const QStringList expected = warns ? QStringList { "Verifica le impostazioni Internazionali|Le impostazioni "
-                                                           "Internazionali sono da impostare alla lingua italiana. "
-                                                           "Pannello di controllo" }
-                                           : QStringList {};
-        QCOMPARE(shownTexts(), expected);
+        vm::aux::Form135 *form = vm::aux::Form135::instance();
+        QCOMPARE(form != nullptr, splash);
+        if (form) {
+            QVERIFY(form->isVisible());
+            QCOMPARE(form->tag(), QStringLiteral("X"));
+            QCOMPARE(form->parentWidget(), startup.mainWindow());
+        }
+        QCOMPARE(startup.mainWindow()->progressPanel()->isVisible(), !splash);
+        QCOMPARE(m_folderChecks, splash ? 0 : 1);
+        QCOMPARE(shownTexts(),
+            warns ? QStringList { "Verifica le impostazioni Internazionali|Le impostazioni Internazionali sono da "
+                                  "impostare alla lingua italiana. Pannello di controllo" }
+                  : QStringList {});
         QCOMPARE(testing::beeps(), warns ? 1 : 0);
-        QCOMPARE(m_folderChecks, 1);
+        QCOMPARE(contents("valorimetrico.ini"), ini); // reading the settings writes nothing
+        QVERIFY(!QApplication::overrideCursor());
     }
 
-    void protectionShownAtLoad_data()
+    // The stored password decides the state and panel 4 before the user does anything; the
+    // compaction command works on the open database, twice in a row.
+    void usesTheOpenDatabase()
     {
-        QTest::addColumn<bool>("isProtected");
-        QTest::newRow("protected") << true;
-        QTest::newRow("open") << false;
-    }
-    void protectionShownAtLoad()
-    {
-        QFETCH(bool, isProtected);
-        writeIni("[Opzioni]\nSplash=0\n");
+        writeFile("valorimetrico.ini", "[Opzioni]\nSplash=0\n");
         {
             vm::store::Database db;
             QVERIFY(db.open(file("valorimetrico.mdb")).ok());
-            QVERIFY(db.setDossierPassword(isProtected ? QStringLiteral("abc") : QStringLiteral("   ")));
+            QVERIFY(db.setDossierPassword(QStringLiteral("abc")));
         }
         Startup startup(environment());
         QVERIFY(startup.Main());
-        QCOMPARE(vm::state().DossierProtetto, isProtected);
-        QCOMPARE(startup.mainWindow()->statusBar()->toolTip(),
-            isProtected ? QStringLiteral("Accesso dossier titoli protetto")
-                        : QStringLiteral("Accesso dossier titoli non protetto"));
-    }
-
-    // The compaction command works on the open database, twice in a row.
-    void compactTwice()
-    {
-        writeIni("[Opzioni]\nSplash=0\n");
-        Startup startup(environment());
-        QVERIFY(startup.Main());
+        QVERIFY(vm::state().DossierProtetto);
+        QCOMPARE(startup.mainWindow()->statusBar()->toolTip(), QStringLiteral("Accesso dossier titoli protetto"));
         QAction *compact = startup.mainWindow()->findChild<QAction *>(QStringLiteral("m_dati_compatta"));
-        QVERIFY(compact->isEnabled());
         compact->trigger();
         compact->trigger();
-        QCOMPARE(
-            shownTexts(), QStringList({ "Valorimetrico|Database compattato.", "Valorimetrico|Database compattato." }));
+        QCOMPARE(shownTexts(), QStringList(2, "Valorimetrico|Database compattato."));
         QVERIFY(vm::state().DbDossier->isOpen());
         QVERIFY(!QFile::exists(file("temp.mdb")));
     }

@@ -8,6 +8,7 @@ namespace {
 // A null QByteArray stands for "no file at all".
 void writeBytes(const QString &path, const QByteArray &bytes)
 {
+    QFile::remove(path);
     if (bytes.isNull())
         return;
     QFile file(path);
@@ -21,211 +22,154 @@ QByteArray readBytes(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+struct Write {
+    const char *tag, *before, *value, *after; // before null: no file
+    const char *section = "S", *key = "k";
+};
+
 } // namespace
+
+Q_DECLARE_METATYPE(Write)
 
 class TestIniFile : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void read_data();
-    void read();
-    void write_data();
-    void write();
-    void writeRefused_data();
-    void writeRefused();
-    void unusableFiles();
-
-private:
     QTemporaryDir dir;
     QString path() const { return dir.filePath(QStringLiteral("valorimetrico.ini")); }
-};
 
-// Rows share one shape: file bytes (nullptr: no file), section and key asked, expected value (UTF-8).
-// The default is "d" unless a row says otherwise.
-void TestIniFile::read_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("section");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("defaultValue");
-    QTest::addColumn<QString>("expected");
+private Q_SLOTS:
+    // Each row reads key "k" of section "S" unless it names others; the default is "d" unless it says otherwise.
+    void read_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("defaultValue");
+        QTest::addColumn<QString>("expected");
 
-    const struct {
-        const char *tag, *file, *section, *key, *expected;
-    } rows[] = {
-        { "no file", nullptr, "Opzioni", "Splash", "d" },
-        { "case ignored", "[OPZIONI]\nsplash=0\n", "opzioni", "SPLASH", "0" },
-        { "blanks around names and value", "[ Spese ]\n\t Capital Gain \t=  12,5 \t\n", "Spese", "Capital Gain",
-            "12,5" },
-        { "backslashes as written", "[S]\nk=C:\\Programmi\\Q f\\q.exe\n", "S", "k", "C:\\Programmi\\Q f\\q.exe" },
-        { "commas not split", "[S]\nk=1,2, 3\n", "S", "k", "1,2, 3" },
-        { "second equals sign kept", "[S]\nk=a=b\n", "S", "k", "a=b" },
-        { "double quotes removed", "[S]\nk=\"  x  \"\n", "S", "k", "  x  " },
-        { "single quotes removed", "[S]\nk='x'\n", "S", "k", "x" },
-        { "unmatched quote kept", "[S]\nk=\"x'\n", "S", "k", "\"x'" },
-        { "empty value is not missing", "[S]\nk=\n", "S", "k", "" },
-        { "missing key", "[S]\nj=1\n", "S", "k", "d" },
-        { "key of another section", "[T]\nk=1\n[S]\n", "S", "k", "d" },
-        { "key before any section", "k=1\n[S]\n", "S", "k", "d" },
-        { "comment lines", "[S]\n;k=1\n#k=2\n", "S", "k", "d" },
-        { "first key wins", "[S]\nk=1\nk=2\n", "S", "k", "1" },
-        { "repeated section", "[S]\na=1\n[T]\nk=0\n[s]\nk=2\n", "S", "k", "2" },
-        { "CRLF", "[S]\r\nk=v\r\nj=w\r\n", "S", "k", "v" },
-        { "UTF-8", "[S]\nk=Citt\xC3\xA0 \xE2\x82\xAC\n", "S", "k", "Città €" },
-        { "UTF-8 byte-order mark", "\xEF\xBB\xBF[S]\nk=v\n", "S", "k", "v" },
-        { "Windows-1252", "[S]\nk=Citt\xE0 \x80 \x9C\n", "S", "k", "Città € œ" },
-        { "Windows-1252 section name", "[Propriet\xE0]\nk=1\n", "PROPRIETÀ", "k", "1" },
-        { "header without bracket", "[T]\nk=1\n[S\nk=2\n", "S", "k", "2" },
-    };
-    for (const auto &r : rows)
-        QTest::newRow(r.tag) << QByteArray(r.file) << QString::fromUtf8(r.section) << QString::fromUtf8(r.key) << "d"
-                             << QString::fromUtf8(r.expected);
+        const struct {
+            const char *tag, *file, *section, *key, *expected;
+        } rows[] = {
+            { "no file", nullptr, "Opzioni", "Splash", "d" },
+            { "case ignored", "[OPZIONI]\nsplash=0\n", "opzioni", "SPLASH", "0" },
+            { "blanks around names and value", "[ Spese ]\n\t Capital Gain \t=  12,5 \t\n", "Spese", "Capital Gain",
+                "12,5" },
+            { "backslashes as written", "[S]\nk=C:\\Programmi\\Q f\\q.exe\n", "S", "k", "C:\\Programmi\\Q f\\q.exe" },
+            { "commas not split", "[S]\nk=1,2, 3\n", "S", "k", "1,2, 3" },
+            { "second equals sign kept", "[S]\nk=a=b\n", "S", "k", "a=b" },
+            { "double quotes removed", "[S]\nk=\"  x  \"\n", "S", "k", "  x  " },
+            { "single quotes removed", "[S]\nk='x'\n", "S", "k", "x" },
+            { "unmatched quote kept", "[S]\nk=\"x'\n", "S", "k", "\"x'" },
+            { "empty value is not missing", "[S]\nk=\n", "S", "k", "" },
+            { "key of another section", "[T]\nk=1\n[S]\n", "S", "k", "d" },
+            { "key before any section", "k=1\n[S]\n", "S", "k", "d" },
+            { "comment lines", "[S]\n;k=1\n#k=2\n", "S", "k", "d" },
+            { "first key wins", "[S]\nk=1\nk=2\n", "S", "k", "1" },
+            { "repeated section", "[S]\na=1\n[T]\nk=0\n[s]\nk=2\n", "S", "k", "2" },
+            { "CRLF", "[S]\r\nk=v\r\nj=w\r\n", "S", "k", "v" },
+            { "UTF-8", "[S]\nk=Citt\xC3\xA0 \xE2\x82\xAC\n", "S", "k", "Città €" },
+            { "UTF-8 byte-order mark", "\xEF\xBB\xBF[S]\nk=v\n", "S", "k", "v" },
+            { "Windows-1252", "[S]\nk=Citt\xE0 \x80 \x9C\n", "S", "k", "Città € œ" },
+            { "Windows-1252 section name", "[Propriet\xE0]\nk=1\n", "PROPRIETÀ", "k", "1" },
+            { "header without bracket", "[T]\nk=1\n[S\nk=2\n", "S", "k", "2" },
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.tag) << QByteArray(r.file) << QString::fromUtf8(r.section) << QString::fromUtf8(r.key)
+                                 << "d" << QString::fromUtf8(r.expected);
 
-    const QString a250(250, u'a'), a199(199, u'a');
-    const QString cutInside = QString(198, u'b') + QString::fromUtf8("\xF0\x9F\x98\x80") + u'c';
-    QTest::newRow("long value cut") << ("[S]\nk=" + a250.toLatin1()) << "S"
-                                    << "k"
-                                    << "d" << a199;
-    QTest::newRow("long default cut") << QByteArray() << "S"
-                                      << "k" << a250 << a199;
-    QTest::newRow("no half character at the cut") << ("[S]\nk=" + cutInside.toUtf8()) << "S"
-                                                  << "k"
-                                                  << "d" << QString(198, u'b');
-    QTest::newRow("UTF-16 with mark") << QByteArray("\xFF\xFE[\0S\0]\0\n\0k\0=\0v\0", 16) << "S"
-                                      << "k"
-                                      << "d"
-                                      << "v";
-    QTest::newRow("garbage") << QByteArray("\0\xFF\xFE\x01[\n=\n]]\n[\n", 12) << "S"
-                             << "k"
-                             << "d"
-                             << "d";
-    QTest::newRow("NUL in a value") << QByteArray("[S]\nk=a\0b\n", 10) << "S"
-                                    << "k"
-                                    << "d" << QString::fromLatin1("a\0b", 3);
-}
-
-void TestIniFile::read()
-{
-    QFETCH(QByteArray, file);
-    QFETCH(QString, section);
-    QFETCH(QString, key);
-    QFETCH(QString, defaultValue);
-    QFETCH(QString, expected);
-    QFile::remove(path());
-    writeBytes(path(), file);
-    QCOMPARE(vm::readIni(path(), section, key, defaultValue), expected);
-}
-
-// Every row writes key "k" of section "S" and checks the whole file afterwards.
-void TestIniFile::write_data()
-{
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QByteArray>("after");
-
-    const struct {
-        const char *tag, *before, *value, *after;
-    } rows[] = {
-        { "creates the file", nullptr, "0", "[S]\nk=0\n" },
-        { "adds a section at the end", "; commento\n[A]\nk=1\n", "2", "; commento\n[A]\nk=1\n\n[S]\nk=2\n" },
-        { "adds a key after the section's last line", "[s]\nj=2\n; nota\n\n[A]\nk=1\n", "3",
-            "[s]\nj=2\n; nota\nk=3\n\n[A]\nk=1\n" },
-        { "replaces in place keeping spelling and spacing", "[s]\r\n  K = 1 \r\n; c\r\n[Z]\r\nk=1\r\n", "0",
-            "[s]\r\n  K = 0 \r\n; c\r\n[Z]\r\nk=1\r\n" },
-        { "keeps CRLF for a new key", "[S]\r\na=1\r\n", "2", "[S]\r\na=1\r\nk=2\r\n" },
-        { "last line without line end", "[S]\na=1", "2", "[S]\na=1\nk=2\n" },
-        { "new section after a line without line end", "[T]\na=1", "2", "[T]\na=1\n\n[S]\nk=2\n" },
-        { "Windows-1252 file becomes UTF-8", "[S]\nn=Citt\xE0\nk=1\n", "2", "[S]\nn=Citt\xC3\xA0\nk=2\n" },
-        { "value kept as written", "[S]\n", "C:\\Programmi\\a,b\\q.exe", "[S]\nk=C:\\Programmi\\a,b\\q.exe\n" },
-        { "blanks at the ends quoted", "[S]\nk=1\n", " x ", "[S]\nk=\" x \"\n" },
-        { "quoted value quoted again", "[S]\nk=1\n", "'q'", "[S]\nk=\"'q'\"\n" },
-        { "empty value", "[S]\nk=1\n", "", "[S]\nk=\n" },
-        { "Unicode value", nullptr, "Citt\xC3\xA0 \xE2\x82\xAC", "[S]\nk=Citt\xC3\xA0 \xE2\x82\xAC\n" },
-    };
-    for (const auto &r : rows)
-        QTest::newRow(r.tag) << QByteArray(r.before) << QString::fromUtf8(r.value) << QByteArray(r.after);
-}
-
-void TestIniFile::write()
-{
-    QFETCH(QByteArray, before);
-    QFETCH(QString, value);
-    QFETCH(QByteArray, after);
-    QFile::remove(path());
-    writeBytes(path(), before);
-    vm::EsitoScritturaIni = 0;
-    QVERIFY(vm::ScriviIni(path(), u"S", u"k", value));
-    QCOMPARE(vm::EsitoScritturaIni, qint16(1));
-    QCOMPARE(readBytes(path()), after);
-    QCOMPARE(vm::readIni(path(), u"S", u"k", u"?"), value);
-}
-
-void TestIniFile::writeRefused_data()
-{
-    QTest::addColumn<QString>("section");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<QString>("value");
-
-    QTest::newRow("line break in value") << "S"
-                                         << "k"
-                                         << "a\nb";
-    QTest::newRow("carriage return in value") << "S"
-                                              << "k"
-                                              << "a\rb";
-    QTest::newRow("equals in key") << "S"
-                                   << "k=1"
-                                   << "v";
-    QTest::newRow("bracket in section") << "S]"
-                                        << "k"
-                                        << "v";
-    QTest::newRow("empty key") << "S"
-                               << " "
-                               << "v";
-    QTest::newRow("empty section") << ""
-                                   << "k"
-                                   << "v";
-    QTest::newRow("key like a section") << "S"
-                                        << "[k"
-                                        << "v";
-    QTest::newRow("key like a comment") << "S"
-                                        << ";k"
-                                        << "v";
-}
-
-void TestIniFile::writeRefused()
-{
-    QFETCH(QString, section);
-    QFETCH(QString, key);
-    QFETCH(QString, value);
-    const QByteArray before("; tenere\n[S]\nk=1\n");
-    writeBytes(path(), before);
-    vm::EsitoScritturaIni = 1;
-    QVERIFY(!vm::ScriviIni(path(), section, key, value));
-    QCOMPARE(vm::EsitoScritturaIni, qint16(0));
-    QCOMPARE(readBytes(path()), before);
-}
-
-void TestIniFile::unusableFiles()
-{
-    // A folder where the file should be, a missing folder, and a file too large to be settings.
-    const QString folder = dir.filePath(QStringLiteral("cartella"));
-    QVERIFY(QDir().mkdir(folder));
-    const QString missing = dir.filePath(QStringLiteral("manca/valorimetrico.ini"));
-    const QString huge = dir.filePath(QStringLiteral("grande.ini"));
-    QByteArray big("[S]\nk=1\n");
-    big.append(5 * 1024 * 1024, ';');
-    writeBytes(huge, big);
-
-    for (const QString &file : { folder, missing, huge }) {
-        QCOMPARE(vm::readIni(file, u"S", u"k", u"d"), QStringLiteral("d"));
-        vm::EsitoScritturaIni = 1;
-        QVERIFY(!vm::ScriviIni(file, u"S", u"k", u"2"));
-        QCOMPARE(vm::EsitoScritturaIni, qint16(0));
+        auto row = [](const char *tag, const QByteArray &file, const QString &def, const QString &expected) {
+            QTest::newRow(tag) << file << QStringLiteral("S") << QStringLiteral("k") << def << expected;
+        };
+        const QString a250(250, u'a'), a199(199, u'a');
+        const QString cutInside = QString(198, u'b') + QString::fromUtf8("\xF0\x9F\x98\x80") + u'c';
+        row("long value cut", "[S]\nk=" + a250.toLatin1(), "d", a199);
+        row("long default cut", QByteArray(), a250, a199);
+        row("no half character at the cut", "[S]\nk=" + cutInside.toUtf8(), "d", QString(198, u'b'));
+        row("UTF-16 with mark", QByteArray("\xFF\xFE[\0S\0]\0\n\0k\0=\0v\0", 16), "d", "v");
+        row("garbage", QByteArray("\0\xFF\xFE\x01[\n=\n]]\n[\n", 12), "d", "d");
+        row("NUL in a value", QByteArray("[S]\nk=a\0b\n", 10), "d", QString::fromLatin1("a\0b", 3));
     }
-    QCOMPARE(readBytes(huge), big);
-    QVERIFY(!QFileInfo::exists(missing));
-}
+    void read()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(QString, section);
+        QFETCH(QString, key);
+        QFETCH(QString, defaultValue);
+        QFETCH(QString, expected);
+        writeBytes(path(), file);
+        QCOMPARE(vm::readIni(path(), section, key, defaultValue), expected);
+    }
+
+    // Every row writes key "k" of section "S" unless it names others, and checks the whole file afterwards.
+    // A row without "after" is refused: a name or value that would break the file's lines leaves it as it was.
+    void write_data()
+    {
+        QTest::addColumn<Write>("row");
+        const char *keep = "; tenere\n[S]\nk=1\n";
+        const Write rows[] = {
+            { "creates the file", nullptr, "0", "[S]\nk=0\n" },
+            { "adds a section at the end", "; commento\n[A]\nk=1\n", "2", "; commento\n[A]\nk=1\n\n[S]\nk=2\n" },
+            { "adds a key after the section's last line", "[s]\nj=2\n; nota\n\n[A]\nk=1\n", "3",
+                "[s]\nj=2\n; nota\nk=3\n\n[A]\nk=1\n" },
+            { "replaces in place keeping spelling and spacing", "[s]\r\n  K = 1 \r\n; c\r\n[Z]\r\nk=1\r\n", "0",
+                "[s]\r\n  K = 0 \r\n; c\r\n[Z]\r\nk=1\r\n" },
+            { "keeps CRLF for a new key", "[S]\r\na=1\r\n", "2", "[S]\r\na=1\r\nk=2\r\n" },
+            { "last line without line end", "[S]\na=1", "2", "[S]\na=1\nk=2\n" },
+            { "new section after a line without line end", "[T]\na=1", "2", "[T]\na=1\n\n[S]\nk=2\n" },
+            { "Windows-1252 file becomes UTF-8", "[S]\nn=Citt\xE0\nk=1\n", "\xE2\x82\xAC",
+                "[S]\nn=Citt\xC3\xA0\nk=\xE2\x82\xAC\n" },
+            { "value kept as written", "[S]\n", "C:\\Programmi\\a,b\\q.exe", "[S]\nk=C:\\Programmi\\a,b\\q.exe\n" },
+            { "blanks at the ends quoted", "[S]\nk=1\n", " x ", "[S]\nk=\" x \"\n" },
+            { "quoted value quoted again", "[S]\nk=1\n", "'q'", "[S]\nk=\"'q'\"\n" },
+            { "empty value", "[S]\nk=1\n", "", "[S]\nk=\n" },
+            { "line break in value", keep, "a\nb", nullptr },
+            { "carriage return in key", keep, "v", nullptr, "S", "k\rj" },
+            { "equals in key", keep, "v", nullptr, "S", "k=1" },
+            { "bracket in section", keep, "v", nullptr, "S]" },
+            { "blank key", keep, "v", nullptr, "S", " " },
+            { "empty section", keep, "v", nullptr, "" },
+            { "key like a section", keep, "v", nullptr, "S", "[k" },
+            { "key like a comment", keep, "v", nullptr, "S", "#k" },
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.tag) << r;
+    }
+    void write()
+    {
+        QFETCH(Write, row);
+        const QString value = QString::fromUtf8(row.value);
+        writeBytes(path(), QByteArray(row.before));
+        vm::EsitoScritturaIni = row.after ? 0 : 1;
+        QCOMPARE(vm::ScriviIni(path(), QString::fromLatin1(row.section), QString::fromLatin1(row.key), value),
+            row.after != nullptr);
+        QCOMPARE(vm::EsitoScritturaIni, qint16(row.after ? 1 : 0));
+        QCOMPARE(readBytes(path()), QByteArray(row.after ? row.after : row.before));
+        if (row.after)
+            QCOMPARE(vm::readIni(path(), u"S", u"k", u"?"), value);
+    }
+
+    // A folder where the file should be, a missing folder, and a file too large to be settings.
+    void unusableFiles()
+    {
+        const QString folder = dir.filePath(QStringLiteral("cartella"));
+        QVERIFY(QDir().mkdir(folder));
+        const QString missing = dir.filePath(QStringLiteral("manca/valorimetrico.ini"));
+        const QString huge = dir.filePath(QStringLiteral("grande.ini"));
+        QByteArray big("[S]\nk=1\n");
+        big.append(5 * 1024 * 1024, ';');
+        writeBytes(huge, big);
+
+        for (const QString &file : { folder, missing, huge }) {
+            QCOMPARE(vm::readIni(file, u"S", u"k", u"d"), QStringLiteral("d"));
+            vm::EsitoScritturaIni = 1;
+            QVERIFY(!vm::ScriviIni(file, u"S", u"k", u"2"));
+            QCOMPARE(vm::EsitoScritturaIni, qint16(0));
+        }
+        QCOMPARE(readBytes(huge), big);
+        QVERIFY(!QFileInfo::exists(missing));
+    }
+};
 
 QTEST_APPLESS_MAIN(TestIniFile)
 #include "tst_inifile.moc"

@@ -8,177 +8,76 @@ class TestSettings : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void init();
-    void defaultsWithoutFile();
-    void chartSettings_data();
-    void chartSettings();
-    void splash_data();
-    void splash();
-    void colourChoice_data();
-    void colourChoice();
-
-private:
     QTemporaryDir dir;
     QString file;
-    void writeFile(const QByteArray &bytes);
+    void writeFile(const QByteArray &bytes)
+    {
+        QFile f(file);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        file = dir.filePath(QStringLiteral("valorimetrico.ini"));
+        QFile::remove(file);
+    }
+
+    // The chart defaults show in the rows below; these are the other settings' defaults, and
+    // reading them never creates the file.
+    void defaultsWithoutFile()
+    {
+        QVERIFY(vm::LeggiImpostazioniGrafico(file).ok());
+        QVERIFY(vm::readSplash(file).value);
+        QCOMPARE(vm::readSetting(file, vm::settings::StrumentiQuotaflusso),
+            QStringLiteral("C:\\Programmi\\Quotaflusso\\quotaflusso.exe"));
+        QCOMPARE(vm::readTotaliDal(file, QDate(2026, 3, 2)), QStringLiteral("25/02/26"));
+        QCOMPARE(vm::readSettingDouble(file, vm::settings::SpeseCapitalGain).value, 0.0);
+        QCOMPARE(vm::readSettingInt16(file, vm::settings::PerformanceTipo).value, qint16(3));
+        QVERIFY(!QFileInfo::exists(file));
+    }
+
+    void chartSettings_data()
+    {
+        QTest::addColumn<QByteArray>("contents");
+        QTest::addColumn<int>("error");
+        QTest::addColumn<QList<double>>("values"); // Dati, Sfondo, Assi, Tipo, Griglie, Periodo
+
+        const int mismatch = vm::kErroreTipoNonCorrispondente;
+        const struct {
+            const char *tag, *contents;
+            int error;
+            QList<double> values;
+        } rows[] = {
+            { "all set", "[grafico]\nPeriodo=50\nGriglie=3\nTipo=2\nAssi=7\nSfondo=0\nDati=12\n", 0,
+                { 12, 0, 7, 2, 3, 50 } },
+            { "decimal type kept, defaults", "[Grafico]\nTipo=2,5\n", 0, { 2, 15, 0, 2.5, 1, 25 } },
+            { "integer half to even down", "[Grafico]\nGriglie=2,5\n", 0, { 2, 15, 0, 1, 2, 25 } },
+            { "integer half to even up", "[Grafico]\nGriglie=3,5\n", 0, { 2, 15, 0, 1, 4, 25 } },
+            { "not a number", "[Grafico]\nDati=si\nSfondo=3\n", mismatch, { 2, 15, 0, 1, 1, 25 } },
+            { "empty is not a number", "[Grafico]\nAssi=\n", mismatch, { 2, 15, 0, 1, 1, 25 } },
+            { "overflow keeps earlier values", "[Grafico]\nDati=4\nPeriodo=40000\n", vm::kErroreOverflow,
+                { 4, 15, 0, 1, 1, 25 } },
+            { "largest 16-bit", "[Grafico]\nPeriodo=32.767\n", 0, { 2, 15, 0, 1, 1, 32767 } },
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.tag) << QByteArray(r.contents) << r.error << r.values;
+    }
+    void chartSettings()
+    {
+        QFETCH(QByteArray, contents);
+        QFETCH(int, error);
+        QFETCH(QList<double>, values);
+        writeFile(contents);
+        const auto chart = vm::LeggiImpostazioniGrafico(file);
+        QCOMPARE(chart.error, error);
+        const auto &s = chart.value;
+        QCOMPARE((QList<double> { double(s.ColoreDati), double(s.ColoreSfondo), double(s.ColoreAssi), s.TipoGrafico,
+                     double(s.GriglieGrafico), double(s.PeriodoGrafico) }),
+            values);
+    }
 };
-
-void TestSettings::init()
-{
-    file = dir.filePath(QStringLiteral("valorimetrico.ini"));
-    QFile::remove(file);
-}
-
-void TestSettings::writeFile(const QByteArray &bytes)
-{
-    QFile f(file);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
-
-void TestSettings::defaultsWithoutFile()
-{
-    const auto chart = vm::LeggiImpostazioniGrafico(file);
-    QVERIFY(chart.ok());
-    QCOMPARE(chart.value.ColoreDati, qint16(2));
-    QCOMPARE(chart.value.ColoreSfondo, qint16(15));
-    QCOMPARE(chart.value.ColoreAssi, qint16(0));
-    QCOMPARE(chart.value.TipoGrafico, 1.0);
-    QCOMPARE(chart.value.GriglieGrafico, qint16(1));
-    QCOMPARE(chart.value.PeriodoGrafico, qint16(25));
-    QVERIFY(vm::readSplash(file).value);
-    QCOMPARE(vm::readSetting(file, vm::settings::StrumentiQuotaflusso),
-        QStringLiteral("C:\\Programmi\\Quotaflusso\\quotaflusso.exe"));
-    QCOMPARE(vm::readTotaliDal(file, QDate(2026, 3, 2)), QStringLiteral("25/02/26"));
-    QCOMPARE(vm::readSettingDouble(file, vm::settings::SpeseCapitalGain).value, 0.0);
-    QCOMPARE(vm::readSettingInt16(file, vm::settings::PerformanceTipo).value, qint16(3));
-    QVERIFY(!QFileInfo::exists(file));
-}
-
-void TestSettings::chartSettings_data()
-{
-    QTest::addColumn<QByteArray>("contents");
-    QTest::addColumn<int>("error");
-    QTest::addColumn<QList<double>>("values"); // Dati, Sfondo, Assi, Tipo, Griglie, Periodo
-
-    const int mismatch = vm::kErroreTipoNonCorrispondente;
-    const struct {
-        const char *tag, *contents;
-        int error;
-        QList<double> values;
-    } rows[] = {
-        { "all set", "[grafico]\nPeriodo=50\nGriglie=3\nTipo=2\nAssi=7\nSfondo=0\nDati=12\n", 0,
-            { 12, 0, 7, 2, 3, 50 } },
-        { "decimal type kept", "[Grafico]\nTipo=2,5\n", 0, { 2, 15, 0, 2.5, 1, 25 } },
-        { "integer half to even down", "[Grafico]\nGriglie=2,5\n", 0, { 2, 15, 0, 1, 2, 25 } },
-        { "integer half to even up", "[Grafico]\nGriglie=3,5\n", 0, { 2, 15, 0, 1, 4, 25 } },
-        { "not a number", "[Grafico]\nDati=si\nSfondo=3\n", mismatch, { 2, 15, 0, 1, 1, 25 } },
-        { "empty is not a number", "[Grafico]\nAssi=\n", mismatch, { 2, 15, 0, 1, 1, 25 } },
-        { "overflow keeps earlier values", "[Grafico]\nDati=4\nPeriodo=40000\n", vm::kErroreOverflow,
-            { 4, 15, 0, 1, 1, 25 } },
-        { "largest 16-bit", "[Grafico]\nPeriodo=32.767\n", 0, { 2, 15, 0, 1, 1, 32767 } },
-    };
-    for (const auto &r : rows)
-        QTest::newRow(r.tag) << QByteArray(r.contents) << r.error << r.values;
-}
-
-void TestSettings::chartSettings()
-{
-    QFETCH(QByteArray, contents);
-    QFETCH(int, error);
-    QFETCH(QList<double>, values);
-    writeFile(contents);
-    const auto chart = vm::LeggiImpostazioniGrafico(file);
-    QCOMPARE(chart.error, error);
-    const auto &s = chart.value;
-    QCOMPARE((QList<double> { double(s.ColoreDati), double(s.ColoreSfondo), double(s.ColoreAssi), s.TipoGrafico,
-                 double(s.GriglieGrafico), double(s.PeriodoGrafico) }),
-        values);
-}
-
-void TestSettings::splash_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<bool>("shown");
-    QTest::addColumn<int>("error");
-
-    QTest::newRow("one") << QByteArray("1") << true << 0;
-    QTest::newRow("one with decimals") << QByteArray("1,0") << true << 0;
-    QTest::newRow("zero") << QByteArray("0") << false << 0;
-    QTest::newRow("other number") << QByteArray("2") << false << 0;
-    QTest::newRow("not a number") << QByteArray("si") << false << vm::kErroreTipoNonCorrispondente;
-}
-
-void TestSettings::splash()
-{
-    QFETCH(QByteArray, value);
-    QFETCH(bool, shown);
-    QFETCH(int, error);
-    writeFile("[Opzioni]\nSplash=" + value + "\n");
-    const auto splash = vm::readSplash(file);
-    QCOMPARE(splash.value, shown);
-    QCOMPARE(splash.error, error);
-
-    // The check box writes back what the user sees.
-    QVERIFY(vm::writeSplash(file, !shown));
-    QCOMPARE(vm::readIni(file, u"Opzioni", u"Splash", u""), shown ? QStringLiteral("0") : QStringLiteral("1"));
-    QCOMPARE(vm::readSplash(file).value, !shown);
-}
-
-void TestSettings::colourChoice_data()
-{
-    QTest::addColumn<QString>("chart");
-    QTest::addColumn<QString>("element");
-    QTest::addColumn<QString>("section"); // empty: no key
-    QTest::addColumn<QString>("key");
-
-    QTest::newRow("history data") << "S"
-                                  << "D"
-                                  << "GraficoStorico"
-                                  << "Dati";
-    QTest::newRow("history background") << "S"
-                                        << "S"
-                                        << "GraficoStorico"
-                                        << "Sfondo";
-    QTest::newRow("board axes") << "Q"
-                                << "A"
-                                << "Grafico"
-                                << "Assi";
-    QTest::newRow("board by empty marker") << ""
-                                           << "D"
-                                           << "Grafico"
-                                           << "Dati";
-    QTest::newRow("lower-case marker is not history") << "s"
-                                                      << "S"
-                                                      << "Grafico"
-                                                      << "Sfondo";
-    QTest::newRow("unknown element") << "S"
-                                     << "X"
-                                     << ""
-                                     << "";
-}
-
-void TestSettings::colourChoice()
-{
-    QFETCH(QString, chart);
-    QFETCH(QString, element);
-    QFETCH(QString, section);
-    QFETCH(QString, key);
-    const auto target = vm::colourKey(chart, element);
-    QCOMPARE(target.has_value(), !section.isEmpty());
-    if (!target)
-        return;
-    QCOMPARE(QString::fromLatin1(target->section), section);
-    QCOMPARE(QString::fromLatin1(target->key), key);
-
-    // Choosing "Light red" writes 12 to that key and nothing to the other chart's section.
-    QVERIFY(vm::writeSetting(file, *target, 12));
-    QCOMPARE(vm::EsitoScritturaIni, qint16(1));
-    QCOMPARE(vm::readIni(file, section, key, u""), QStringLiteral("12"));
-    const QString other = section == u"Grafico" ? QStringLiteral("GraficoStorico") : QStringLiteral("Grafico");
-    QCOMPARE(vm::readIni(file, other, key, u"none"), QStringLiteral("none"));
-}
 
 QTEST_APPLESS_MAIN(TestSettings)
 #include "tst_settings.moc"
