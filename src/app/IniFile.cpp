@@ -1,5 +1,7 @@
 #include "app/IniFile.h"
 
+#include "metastock/Testo1252.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -17,53 +19,6 @@ namespace {
 // loaded whole at every read.
 constexpr qint64 kMaxFileSize = 4 * 1024 * 1024;
 
-// Windows-1252 differs from Latin-1 only in 0x80-0x9F; the five unassigned bytes map to the C1
-// controls of the same value, as Windows itself converts them.
-constexpr char16_t kCp1252High[32] = {
-    0x20AC,
-    0x0081,
-    0x201A,
-    0x0192,
-    0x201E,
-    0x2026,
-    0x2020,
-    0x2021,
-    0x02C6,
-    0x2030,
-    0x0160,
-    0x2039,
-    0x0152,
-    0x008D,
-    0x017D,
-    0x008F,
-    0x0090,
-    0x2018,
-    0x2019,
-    0x201C,
-    0x201D,
-    0x2022,
-    0x2013,
-    0x2014,
-    0x02DC,
-    0x2122,
-    0x0161,
-    0x203A,
-    0x0153,
-    0x009D,
-    0x017E,
-    0x0178,
-};
-
-QString decodeWindows1252(QByteArrayView bytes)
-{
-    QString text(bytes.size(), Qt::Uninitialized);
-    for (qsizetype i = 0; i < bytes.size(); ++i) {
-        const auto b = static_cast<unsigned char>(bytes[i]);
-        text[i] = b >= 0x80 && b < 0xA0 ? QChar(kCp1252High[b - 0x80]) : QChar(b);
-    }
-    return text;
-}
-
 QString decodeFile(QByteArrayView bytes)
 {
     if (bytes.startsWith("\xEF\xBB\xBF"))
@@ -74,7 +29,7 @@ QString decodeFile(QByteArrayView bytes)
         return QStringDecoder(QStringConverter::Utf16BE)(bytes.sliced(2));
     QStringDecoder utf8(QStringConverter::Utf8, QStringConverter::Flag::Stateless);
     QString text = utf8(bytes);
-    return utf8.hasError() ? decodeWindows1252(bytes) : text;
+    return utf8.hasError() ? metastock::daWindows1252(bytes) : text;
 }
 
 // Reads the whole file as text. A missing file is empty text; false means it exists but cannot be used.
