@@ -87,7 +87,10 @@ void scriviTabella(QTextStream &out, const QList<QStringList> &righe, const QLis
                 riga += QLatin1String("  ");
             riga += aDestra[i] ? r[i].rightJustified(larghezze[i]) : r[i].leftJustified(larghezze[i]);
         }
-        out << riga.trimmed() << '\n';
+        // Only the right end: an empty first column (archives with no symbols) must keep its room.
+        while (riga.endsWith(u' '))
+            riga.chop(1);
+        out << riga << '\n';
     }
 }
 
