@@ -136,25 +136,6 @@ private Q_SLOTS:
         QCOMPARE(rawSql(m_path, { "SELECT count(*) FROM giornata WHERE tiker = 'ALTRO'" }).toInt(), 1);
     }
 
-    void groupedChangesStandOrFallTogether()
-    {
-        const Operazione aq = op("AQ", QDate(2024, 1, 1), 1);
-        QVERIFY(m_db.transaction([&] { return m_db.recordPurchase(title("A"), aq) && m_db.insertStorico({}); }));
-        // The second purchase fails on the symbol already held; the first, inside the same change, goes too.
-        QVERIFY(!m_db.transaction(
-            [&] { return m_db.recordPurchase(title("B"), aq).has_value() && m_db.recordPurchase(title("a"), aq); }));
-        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
-        QVERIFY(!m_db.transaction([&] { return m_db.insertTitle(title("C")) && false; }));
-        QCOMPARE(m_db.dossierRows().value(0).titolo, QStringLiteral("A"));
-        QCOMPARE(m_db.countTitles(), 1);
-        QCOMPARE(m_db.storicoRows().size(), 1);
-        // Nothing was left open: what follows is written for good.
-        QVERIFY(m_db.insertTitle(title("D")));
-        m_db.close();
-        QVERIFY(m_db.open(m_path).ok());
-        QCOMPARE(m_db.countTitles(), 2);
-    }
-
     void operationsOfKind()
     {
         const qint64 id = m_db.recordPurchase(title("ENI"), op("AQ", QDate(2024, 1, 15), 3)).value();
@@ -221,8 +202,8 @@ private Q_SLOTS:
         QCOMPARE(m_db.storicoRows().size(), 3);
     }
 
-    // Quotes in names and groups, and text that would be SQL if pasted into a statement.
-    void groups()
+    // Groups, folders, password and log; quotes, and text that would be SQL if pasted into a statement.
+    void smallerTables()
     {
         const QString group = "L'anno'; DELETE FROM Gruppi; --", name = "Dell'Acqua' OR '1'='1";
 
@@ -244,10 +225,7 @@ private Q_SLOTS:
         QCOMPARE(m_db.symbolsOfGroup("Altro"), QStringList { "S1" });
         QVERIFY(m_db.deleteGroup(group));
         QCOMPARE(m_db.groups(), QStringList { "Altro" });
-    }
 
-    void foldersPasswordAndLog()
-    {
         QVERIFY(m_db.replaceFolders({ "/z/", "/dati/l'archivio/", "/a/" }));
         QCOMPARE(m_db.folders(), (QStringList { "/z/", "/dati/l'archivio/", "/a/" }));
         QVERIFY(m_db.replaceFolders({ "/b/" }));
