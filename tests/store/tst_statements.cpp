@@ -118,29 +118,23 @@ private Q_SLOTS:
         QCOMPARE(rawSql(m_path, { "SELECT count(*) FROM giornata WHERE tiker = 'ALTRO'" }).toInt(), 1);
     }
 
-    void operationsOfKind()
+    // Operations picked by kind in date order; deleting them one by one, the title's row stays as it was
+    // without a rule, follows the rule given, and goes with the last operation.
+    void operationsOfKindAndDeletion()
     {
-        const qint64 id = m_db.recordPurchase(title("ENI"), op("AQ", QDate(2024, 1, 15), 3)).value();
-        QVERIFY(m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 99)));
+        const qint64 id = m_db.recordPurchase(title("ENI", "Eni", 35), op("AQ", QDate(2024, 1, 15), 3)).value();
+        const qint64 bystander = m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 99)).value();
         const DossierRow row = *m_db.findTitleById(id);
         // Entered out of date order; 3 February comes before 2 March.
         QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 3, 2), 4)));
         QVERIFY(m_db.recordOperation(row, op("AQ", QDate(2023, 12, 31), 1)));
         QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 2, 3), 2)));
-        // Quantities in date order: all, purchases, lower case with one wildcard, "%" and a quote taken literally.
+        // All, purchases, lower case with one wildcard, "%" and a quote taken literally.
         const QList<std::pair<QString, QList<qint64>>> patterns { { "*", { 1, 3, 2, 4 } }, { "AQ", { 1, 3 } },
             { "?e", { 2, 4 } }, { "%", {} }, { "A'", {} } };
         for (const auto &[pattern, expected] : patterns)
             QVERIFY2(quantities(m_db.operationsOfKind(id, pattern)) == expected, qPrintable(pattern));
-    }
 
-    // Without a rule the title's row stays as it was; with one it is recomputed; the last one takes the title.
-    void deleteOperation()
-    {
-        const qint64 id = m_db.recordPurchase(title("ENI", "Eni", 35), op("AQ", QDate(2024, 1, 1), 10)).value();
-        const qint64 bystander = m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 1)).value();
-        for (qint64 qta : { 20, 5 })
-            QVERIFY(m_db.recordOperation(*m_db.findTitleById(id), op("AQ", QDate(2024, 2, qta), qta)));
         const RecomputeTitle sum = [](DossierRow row, const QList<Operazione> &remaining) {
             row.qta = 0;
             for (const Operazione &o : remaining)
@@ -148,7 +142,7 @@ private Q_SLOTS:
             return row;
         };
         for (const auto &[rule, qtaAfter] :
-            QList<std::pair<RecomputeTitle, qint64>> { { {}, 35 }, { sum, 10 }, { sum, -1 } }) {
+            QList<std::pair<RecomputeTitle, qint64>> { { {}, 35 }, { sum, 7 }, { sum, 3 }, { sum, -1 } }) {
             const DeleteOperationResult result
                 = m_db.deleteOperation(m_db.operationsOfTitle(id).last().idArchivioDossier, id, rule);
             QVERIFY(result.ok);
