@@ -65,6 +65,7 @@ std::optional<QString> row(const QString &stored)
 struct Change {
     QString stored, current, newPassword, verify, message, after;
     bool open = false, enter = false;
+    QString close = {}; // closed unsaved with this button, or "window" for the close box, once typed into
 };
 
 } // namespace
@@ -101,6 +102,18 @@ class TestGuiPassword : public QObject
     }
 
     QWidget *form10() { return active(security::PasswordWindow::instance()); }
+
+    // However the window goes, the main window comes back and nothing is saved; it loads afresh.
+    void closeUnsaved(QWidget *form, const Change &c)
+    {
+        c.close == u"window" ? void(form->close()) : click(form, qPrintable(c.close));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!form10() && m_main->isEnabled() && shown().isEmpty());
+        QCOMPARE(m_db->dossierPassword(), row(c.stored));
+        m_main->button(4, QStringLiteral("pass"))->trigger();
+        QVERIFY(child(form10(), "Text2")->text().isEmpty());
+        QCOMPARE(child<QFrame>(form10(), "Frame1")->isVisible(), !row(c.stored));
+    }
     QWidget *form8() { return active(security::PasswordPrompt::instance()); }
 
 private Q_SLOTS:
@@ -143,7 +156,8 @@ private Q_SLOTS:
     }
 
     // What is stored ("-": nothing), the current password typed (change mode), the new one twice; then the
-    // message, what is stored after, whether the window stays open, whether confirmed by keyboard.
+    // message, what is stored after, whether the window stays open, whether driven by keyboard (and the
+    // status panel), and the way it is closed unsaved instead.
     void setChangeAndClear_data()
     {
         QTest::addColumn<Change>("c");
@@ -160,6 +174,9 @@ private Q_SLOTS:
         QTest::newRow("change, mismatch") << Change { "abc", "abc", "xyz", "xy", verify, "abc", true };
         QTest::newRow("wrong current") << Change { "abc", "ABC", "", "", kWrong, "abc", true };
         QTest::newRow("change, by keyboard") << Change { "abc", "abc", "new", "new", kChanged, "new", false, true };
+        QTest::newRow("Chiudi, change mode") << Change { "abc", "abc", "", "", "", "abc", false, false, "Command2" };
+        QTest::newRow("Chiudi, set mode") << Change { "-", "", "zzz", "", "", "", false, false, "Command4" };
+        QTest::newRow("close box") << Change { "abc", "abc", "zzz", "", "", "abc", false, true, "window" };
         // clang-format on
     }
     void setChangeAndClear()
@@ -170,7 +187,10 @@ private Q_SLOTS:
 
         start(c.stored);
         QCOMPARE(m_main->statusBar()->toolTip(), change ? kProtected : kUnprotected);
-        m_main->button(4, QStringLiteral("pass"))->trigger();
+        if (c.enter) // the status panel works as the toolbar key
+            QTest::mouseClick(m_main->statusPanel(4), Qt::LeftButton);
+        else
+            m_main->button(4, QStringLiteral("pass"))->trigger();
         QWidget *form = form10();
         QVERIFY(form && form->isVisible() && !m_main->isEnabled());
         for (const char *name : { "Text1", "Text2", "Text3" })
@@ -182,6 +202,8 @@ private Q_SLOTS:
 
         if (change) {
             QTest::keyClicks(child(form, "Text1"), c.current);
+            if (c.close == u"Command2")
+                return closeUnsaved(form, c);
             c.enter ? QTest::keyClick(child(form, "Text1"), Qt::Key_Return) : click(form, "Command1");
             QCOMPARE(frame->isVisible(), rightCurrent);
             QCOMPARE(child(form, "Text1")->text().isEmpty(), !rightCurrent);
@@ -189,6 +211,8 @@ private Q_SLOTS:
         if (rightCurrent) {
             QCOMPARE(QApplication::focusWidget(), child(form, "Text2"));
             QTest::keyClicks(child(form, "Text2"), c.newPassword);
+            if (!c.close.isEmpty())
+                return closeUnsaved(form, c);
             if (c.enter) { // Enter moves on until both fields hold text
                 QTest::keyClick(child(form, "Text2"), Qt::Key_Return);
                 QCOMPARE(QApplication::focusWidget(), child(form, "Text3"));
@@ -215,44 +239,6 @@ private Q_SLOTS:
             QCOMPARE(form8() != nullptr, guarded);
             QCOMPARE(m_overviews, guarded ? 0 : 1);
         }
-    }
-
-    // However the window goes, the main window comes back and nothing is saved; it loads afresh.
-    void closingWithoutSaving_data()
-    {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<QString>("how"); // a button's name, or "window" for the close box
-        // clang-format off
-        QTest::newRow("Chiudi, change mode") << "abc" << "Command2";
-        QTest::newRow("Chiudi, set mode") << "-" << "Command4";
-        QTest::newRow("close box") << "abc" << "window";
-        // clang-format on
-    }
-    void closingWithoutSaving()
-    {
-        QFETCH(QString, stored);
-        QFETCH(QString, how);
-        start(stored);
-        QTest::mouseClick(m_main->statusPanel(4), Qt::LeftButton); // as the toolbar key
-        QWidget *form = form10();
-        QVERIFY(form && !m_main->isEnabled());
-        if (row(stored))
-            QTest::keyClicks(child(form, "Text1"), stored);
-        if (how != QLatin1String("Command2")) {
-            if (row(stored))
-                QTest::keyClick(child(form, "Text1"), Qt::Key_Return);
-            QTest::keyClicks(child(form, "Text2"), QStringLiteral("zzz"));
-        }
-        if (how == QLatin1String("window"))
-            form->close();
-        else
-            click(form, qPrintable(how));
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(!form10() && m_main->isEnabled() && shown().isEmpty());
-        QCOMPARE(m_db->dossierPassword(), row(stored));
-        m_main->button(4, QStringLiteral("pass"))->trigger();
-        QVERIFY(child(form10(), "Text2")->text().isEmpty());
-        QCOMPARE(child<QFrame>(form10(), "Frame1")->isVisible(), !row(stored));
     }
 
     void prompt_data()
