@@ -102,9 +102,8 @@ private Q_SLOTS:
         QTest::newRow("close 0 is warned about") << Caso { "A", "ZERO", 2.0, si, 0.0f, "20,00|29/02/24|0,00|-20,00|-100,00%", "ATTENZIONE" };
         QTest::newRow("price 0") << Caso { "A", "ENEL", 0.0, si, 10.5f, "0,00|29/02/24|105,00|105,00|0.0%", "" };
         QTest::newRow("not found") << Caso { "AB", "NESSUNO", 2.5, no, 0.0f, "25,00|" + mancante, "ATTENZIONE" };
-        QTest::newRow("first folder wins") << Caso { "BA", "DUP", 1.0, si, 3.0f, "10,00|29/02/24|30,00|20,00|200,00%", "" };
+        QTest::newRow("first folder wins, a missing one after") << Caso { "BAM", "DUP", 1.0, si, 3.0f, "10,00|29/02/24|30,00|20,00|200,00%", "" };
         QTest::newRow("missing folder ends the search") << Caso { "MA", "ENEL", 10.0, no, 0.0f, "100,00|" + mancante, "Cartella non accessibile|ATTENZIONE" };
-        QTest::newRow("missing folder after the match") << Caso { "AM", "ENEL", 10.0, si, 10.5f, "100,00|29/02/24|105,00|5,00|5,00%", "" };
         QTest::newRow("unmarked archive") << Caso { "UA", "UNM", 10.0, StatoTitolo::NonCompatibile, 12.0f, "100,00||120,00|20,00|0.0%", "" };
         QTest::newRow("price file missing") << Caso { "P", "PERSO", 2.0, si, 0.0f, "20,00|29/02/24|0,00|-20,00|-100,00%", "Valorimetrico|ATTENZIONE" };
         QTest::newRow("title listed in XMASTER") << Caso { "X", "EXTRA", 1.0, si, 9.0f, "10,00|29/02/24|90,00|80,00|800,00%", "" };
