@@ -1,5 +1,4 @@
-// The demo program folder: what it holds, that it passes the folder check and values without a warning,
-// that two folders made the same day hold the same data, and that it never writes into a used folder.
+// The demo program folder: what it holds, that it is ready for use, made alike each time, never in a used folder.
 #include "app/DemoData.h"
 #include "app/FolderCheck.h"
 #include "app/IniFile.h"

@@ -1,6 +1,4 @@
-// The valuation on archive folders written here: the row of each state, where the search stops, the
-// messages, the totals taken from the texts shown, the history's recording rule, and the dossier
-// command as a user or a scheduled job runs it.
+// The valuation on archive folders written here, the history's recording rule, and the dossier command.
 #include "dossier/Storico.h"
 #include "dossier/Valuation.h"
 #include "metastock/ArchiveWriter.h"
@@ -33,8 +31,7 @@ TitoloArchivio titolo(const char *simbolo, float chiusura, int campi = 7)
 
 struct Esito {
     int stato = -1;
-    QString out;
-    QString err;
+    QString out, err;
 };
 
 Esito esegui(const QStringList &args)
@@ -45,6 +42,16 @@ Esito esegui(const QStringList &args)
     return { finito ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
         QString::fromUtf8(p.readAllStandardError()) };
 }
+
+// A dossier row of 10 shares at prezzo, valued on the folders by letter: its state, close, the texts
+// acquisto|data|attuale|differenza|percentuale and the titles of the messages, in order.
+struct Caso {
+    QString lettere, simbolo;
+    double prezzo;
+    StatoTitolo stato;
+    float chiusura;
+    QString testi, avvisi;
+};
 
 } // namespace
 
@@ -61,23 +68,6 @@ class TestValuation : public QObject
         for (QChar l : lettere)
             c << m_tmp.path() + u'/' + l + u'/';
         return c;
-    }
-
-    // A program folder whose database lists the folders by letter and holds the titles given.
-    QString programma(const QList<std::tuple<const char *, const char *, double, int>> &titoli, const QString &lettere)
-    {
-        static int n = 0;
-        const QString dir = m_tmp.filePath(QStringLiteral("programma-%1").arg(++n));
-        const QString mdb = dir + QStringLiteral("/valorimetrico.mdb");
-        store::Database db;
-        if (!QDir().mkpath(dir) || store::Database::create(mdb).failed() || !db.open(mdb).ok()
-            || !db.replaceFolders(cartelle(lettere)))
-            return {};
-        for (const auto &[simbolo, nome, prezzo, qta] : titoli) {
-            if (!db.insertTitle({ 0, simbolo, QString::fromUtf8(nome), {}, prezzo, qta, {}, 0 }))
-                return {};
-        }
-        return dir;
     }
 
 private Q_SLOTS:
@@ -99,46 +89,31 @@ private Q_SLOTS:
 
     void riga_data()
     {
-        QTest::addColumn<QString>("lettere");
-        QTest::addColumn<QString>("simbolo");
-        QTest::addColumn<double>("prezzo");
-        QTest::addColumn<StatoTitolo>("stato");
-        QTest::addColumn<float>("chiusura");
-        QTest::addColumn<QString>("testi"); // acquisto|data|attuale|differenza|percentuale, for 10 shares
-        QTest::addColumn<QString>("avvisi"); // titles of the messages, in order
-
+        QTest::addColumn<Caso>("c");
         const auto si = StatoTitolo::Trovato;
         const auto no = StatoTitolo::NonTrovato;
         const QString mancante = QStringLiteral("00/00/00|0.0|0.0|0.0%");
         // clang-format off
-        QTest::newRow("blanks around the symbol") << "A" << " ENEL  " << 10.0 << si << 10.5f << "100,00|29/02/24|105,00|5,00|5,00%" << "";
-        QTest::newRow("loss") << "A" << "ENEL" << 1200.0 << si << 10.5f << "12.000,00|29/02/24|105,00|-11.895,00|-99,13%" << "";
-        QTest::newRow("letter case counts") << "A" << "enel" << 10.0 << no << 0.0f << "100,00|" + mancante << "ATTENZIONE";
-        QTest::newRow("single-precision close") << "A" << "TRE" << 3.0 << si << 3.3f << "30,00|29/02/24|33,00|3,00|10,00%" << "";
-        QTest::newRow("five fields") << "A" << "FIVE" << 4.0 << si << 4.25f << "40,00|29/02/24|42,50|2,50|6,25%" << "";
-        QTest::newRow("close 0 is warned about") << "A" << "ZERO" << 2.0 << si << 0.0f << "20,00|29/02/24|0,00|-20,00|-100,00%" << "ATTENZIONE";
-        QTest::newRow("price 0") << "A" << "ENEL" << 0.0 << si << 10.5f << "0,00|29/02/24|105,00|105,00|0.0%" << "";
-        QTest::newRow("not found") << "AB" << "NESSUNO" << 2.5 << no << 0.0f << "25,00|" + mancante << "ATTENZIONE";
-        QTest::newRow("first folder wins") << "AB" << "DUP" << 1.0 << si << 2.0f << "10,00|29/02/24|20,00|10,00|100,00%" << "";
-        QTest::newRow("first folder wins, reversed") << "BA" << "DUP" << 1.0 << si << 3.0f << "10,00|29/02/24|30,00|20,00|200,00%" << "";
-        QTest::newRow("missing folder ends the search") << "MA" << "ENEL" << 10.0 << no << 0.0f << "100,00|" + mancante << "Cartella non accessibile|ATTENZIONE";
-        QTest::newRow("missing folder after the match") << "AM" << "ENEL" << 10.0 << si << 10.5f << "100,00|29/02/24|105,00|5,00|5,00%" << "";
-        QTest::newRow("unmarked archive") << "UA" << "UNM" << 10.0 << StatoTitolo::NonCompatibile << 12.0f << "100,00||120,00|20,00|0.0%" << "";
-        QTest::newRow("price file missing") << "P" << "PERSO" << 2.0 << si << 0.0f << "20,00|29/02/24|0,00|-20,00|-100,00%" << "Valorimetrico|ATTENZIONE";
-        QTest::newRow("title listed in XMASTER") << "X" << "EXTRA" << 1.0 << si << 9.0f << "10,00|29/02/24|90,00|80,00|800,00%" << "";
+        QTest::newRow("blanks around the symbol") << Caso { "A", " ENEL  ", 10.0, si, 10.5f, "100,00|29/02/24|105,00|5,00|5,00%", "" };
+        QTest::newRow("loss") << Caso { "A", "ENEL", 1200.0, si, 10.5f, "12.000,00|29/02/24|105,00|-11.895,00|-99,13%", "" };
+        QTest::newRow("letter case counts") << Caso { "A", "enel", 10.0, no, 0.0f, "100,00|" + mancante, "ATTENZIONE" };
+        QTest::newRow("single-precision close") << Caso { "A", "TRE", 3.0, si, 3.3f, "30,00|29/02/24|33,00|3,00|10,00%", "" };
+        QTest::newRow("five fields") << Caso { "A", "FIVE", 4.0, si, 4.25f, "40,00|29/02/24|42,50|2,50|6,25%", "" };
+        QTest::newRow("close 0 is warned about") << Caso { "A", "ZERO", 2.0, si, 0.0f, "20,00|29/02/24|0,00|-20,00|-100,00%", "ATTENZIONE" };
+        QTest::newRow("price 0") << Caso { "A", "ENEL", 0.0, si, 10.5f, "0,00|29/02/24|105,00|105,00|0.0%", "" };
+        QTest::newRow("not found") << Caso { "AB", "NESSUNO", 2.5, no, 0.0f, "25,00|" + mancante, "ATTENZIONE" };
+        QTest::newRow("first folder wins, a missing one after") << Caso { "BAM", "DUP", 1.0, si, 3.0f, "10,00|29/02/24|30,00|20,00|200,00%", "" };
+        QTest::newRow("missing folder ends the search") << Caso { "MA", "ENEL", 10.0, no, 0.0f, "100,00|" + mancante, "Cartella non accessibile|ATTENZIONE" };
+        QTest::newRow("unmarked archive") << Caso { "UA", "UNM", 10.0, StatoTitolo::NonCompatibile, 12.0f, "100,00||120,00|20,00|0.0%", "" };
+        QTest::newRow("price file missing") << Caso { "P", "PERSO", 2.0, si, 0.0f, "20,00|29/02/24|0,00|-20,00|-100,00%", "Valorimetrico|ATTENZIONE" };
+        QTest::newRow("title listed in XMASTER") << Caso { "X", "EXTRA", 1.0, si, 9.0f, "10,00|29/02/24|90,00|80,00|800,00%", "" };
         // clang-format on
     }
 
     void riga()
     {
-        QFETCH(QString, lettere);
-        QFETCH(QString, simbolo);
-        QFETCH(double, prezzo);
-        QFETCH(StatoTitolo, stato);
-        QFETCH(float, chiusura);
-        QFETCH(QString, testi);
-        QFETCH(QString, avvisi);
-
+        QFETCH(Caso, c);
+        const auto &[lettere, simbolo, prezzo, stato, chiusura, testi, avvisi] = c;
         const Valutazione v = PreparaDati(cartelle(lettere), { { 7, simbolo, {}, {}, prezzo, 10, {}, 0 } });
         QVERIFY(v.eseguita);
         QCOMPARE(v.righe.size(), 1);
@@ -210,10 +185,17 @@ private Q_SLOTS:
     // titles meet it; the day's total is recorded once; a damaged database fails with no report.
     void comando()
     {
-        const QString dir
-            = programma({ { "ENEL", "Enel", 10.005, 10 }, { "TRE", "Banca \"Rossa\", Spa", 3.5, 10 },
-                            { "NESSUNO", "Nessuno", 2.5, 10 }, { "UNM", "Unm", 10, 1000 }, { "ALTRO", "Altro", 1, 1 } },
-                QStringLiteral("AUM"));
+        const QString dir = m_tmp.filePath(QStringLiteral("programma"));
+        {
+            const QString mdb = dir + QStringLiteral("/valorimetrico.mdb");
+            store::Database db;
+            QVERIFY(QDir().mkpath(dir) && !store::Database::create(mdb).failed() && db.open(mdb).ok()
+                && db.replaceFolders(cartelle(QStringLiteral("AUM"))));
+            for (const auto &[simbolo, nome, prezzo, qta] : QList<std::tuple<const char *, const char *, double, int>> {
+                     { "ENEL", "Enel", 10.005, 10 }, { "TRE", "Banca \"Rossa\", Spa", 3.5, 10 },
+                     { "NESSUNO", "Nessuno", 2.5, 10 }, { "UNM", "Unm", 10, 1000 }, { "ALTRO", "Altro", 1, 1 } })
+                QVERIFY(db.insertTitle({ 0, simbolo, QString::fromUtf8(nome), {}, prezzo, qta, {}, 0 }));
+        }
         const Esito csv = esegui({ QStringLiteral("--cartella"), dir, QStringLiteral("--csv") });
         QCOMPARE(csv.stato, 0);
         QCOMPARE(csv.out,

@@ -1,7 +1,6 @@
 #pragma once
 
-// Writes straight into a database file that no Database holds, the way a user with the sqlite3 shell (or a
-// damaged program) would: to prepare states the store's own functions never make.
+// Writes straight into a database file no Database holds, as the sqlite3 shell would: states the store never makes.
 
 #include <QSqlDatabase>
 #include <QSqlError>

@@ -45,33 +45,13 @@ private Q_SLOTS:
     }
     void cleanup() { m_db.close(); }
 
-    void titleRoundTrip_data()
-    {
-        QTest::addColumn<DossierRow>("row");
-        QTest::newRow("completo") << DossierRow { 0, "ENI", "Eni", QDate(2004, 2, 3), 12.345, 150, QDate(2024, 5, 20),
-            0.35 };
-        QTest::newRow("apici e sql") << DossierRow { 0, "X'); DROP TABLE dossier; --", "L'Oréal \"ord.\"", {}, -3, -2,
-            {}, 0 };
-    }
-
-    void titleRoundTrip()
-    {
-        QFETCH(DossierRow, row);
-        QVERIFY(m_db.insertTitle(title("PRIMA")));
-        row.idTitolo = m_db.insertTitle(row).value();
-        QCOMPARE(m_db.findTitleBySymbol(row.titolo), row);
-        QCOMPARE(m_db.findTitleById(row.idTitolo), row);
-        QCOMPARE(m_db.dossierRows().last(), row);
-        QVERIFY(!m_db.findTitleBySymbol(row.titolo + 'X'));
-        QVERIFY(!m_db.findTitleById(row.idTitolo + 1));
-        // The symbol is unique whatever the case.
-        QVERIFY(!m_db.insertTitle(title(row.titolo.toLower())));
-        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
-        QCOMPARE(m_db.countTitles(), 2);
-    }
-
+    // Purchases, sales and a rename follow the title's row and its operations; removal takes them away.
     void titlesAndTheirOperations()
     {
+        m_db.close();
+        QCOMPARE(rawSql(m_path, { "INSERT INTO giornata VALUES ('KEEP', 'Nome'), ('keep', 'x'), ('ALTRO', 'Altro')" }),
+            QVariant());
+        QVERIFY(m_db.open(m_path).ok());
         const qint64 keep = m_db.recordPurchase(title("KEEP"), op("AQ", QDate(2024, 1, 1), 100)).value();
         const qint64 gone = m_db.recordPurchase(title("GONE"), op("AQ", QDate(2024, 1, 1), 5)).value();
         const QList<Operazione> first = m_db.operationsOfTitle(keep);
@@ -81,7 +61,6 @@ private Q_SLOTS:
         QCOMPARE(first[0].note, QStringLiteral("nota d'acquisto"));
         QCOMPARE(first[0].tot(), 1000.0);
 
-        // A further purchase, then a sale that leaves shares: the row follows, the operations add up.
         DossierRow row = *m_db.findTitleById(keep);
         row.qta = 150;
         row.prezzo = 11;
@@ -91,16 +70,36 @@ private Q_SLOTS:
         QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 3, 1), 40, 12)));
         QCOMPARE(m_db.findTitleById(keep)->qta, 110);
         QCOMPARE(m_db.findTitleById(keep)->dataStacco, QDate(2024, 3, 4));
-        QCOMPARE(quantities(m_db.operationsOfTitle(keep)), (QList<qint64> { 100, 50, 40 }));
         row.dataStacco = QDate();
+        row.dividendo = 0.35;
         QVERIFY(m_db.updateTitle(row));
-        QVERIFY(!m_db.findTitleById(keep)->dataStacco.isValid());
-
-        // An operation for a title that is not there is refused.
+        QCOMPARE(m_db.findTitleById(keep), row);
+        QCOMPARE(m_db.findTitleBySymbol("KEEP"), row);
+        QCOMPARE(m_db.dossierRows().first(), row);
+        QVERIFY(!m_db.findTitleBySymbol("KEEPX") && !m_db.findTitleById(gone + 1));
+        // The symbol is unique whatever the case.
+        QVERIFY(!m_db.insertTitle(title("keep")));
+        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
         row.idTitolo = 999;
         QVERIFY(!m_db.recordOperation(row, op("VE", QDate(2024, 3, 2), 1)));
         QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
         QVERIFY(m_db.operationsOfTitle(999).isEmpty());
+
+        // A symbol another title holds, whatever its case, or a title not there: refused, nothing changed.
+        QVERIFY(!m_db.renameTitle(keep, "gone", "Nuovo", "KEEP"));
+        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
+        QCOMPARE(m_db.findTitleById(keep)->descrizione, QStringLiteral("Nome"));
+        QVERIFY(!m_db.renameTitle(999, "NEW'S", "L'erede", "KEEP"));
+        QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
+        QVERIFY(m_db.renameTitle(keep, "NEW'S", "L'erede", "KEEP"));
+        QCOMPARE(m_db.findTitleById(keep)->titolo, QStringLiteral("NEW'S"));
+        QCOMPARE(m_db.findTitleById(keep)->descrizione, QStringLiteral("L'erede"));
+        QCOMPARE(m_db.findTitleById(keep)->qta, 110);
+        for (const Operazione &o : m_db.operationsOfTitle(keep))
+            QVERIFY(o.titolo == QStringLiteral("L'erede") && o.ticker == QStringLiteral("NEW'S"));
+        QCOMPARE(quantities(m_db.operationsOfTitle(keep)), (QList<qint64> { 100, 50, 40 }));
+        QCOMPARE(m_db.operationsOfTitle(keep).last().valore, 12.0);
+        QCOMPARE(m_db.operationsOfTitle(gone).first().ticker, QStringLiteral("SYM"));
 
         // Selling everything removes the title; its operations stay, the sale included.
         QVERIFY(m_db.recordSaleOfAll(gone, op("VE", QDate(2024, 4, 1), 5)));
@@ -112,153 +111,75 @@ private Q_SLOTS:
         QCOMPARE(m_db.operationsOfTitle(gone).size(), 2);
         QVERIFY(m_db.insertTitle(title("NEW")).value() > gone);
         QCOMPARE(m_db.countTitles(), 1);
-    }
-
-    void groupedChangesStandOrFallTogether()
-    {
-        const Operazione aq = op("AQ", QDate(2024, 1, 1), 1);
-        QVERIFY(m_db.transaction([&] { return m_db.recordPurchase(title("A"), aq) && m_db.insertStorico({}); }));
-        // The second purchase fails on the symbol already held; the first, inside the same change, goes too.
-        QVERIFY(!m_db.transaction(
-            [&] { return m_db.recordPurchase(title("B"), aq).has_value() && m_db.recordPurchase(title("a"), aq); }));
-        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
-        QVERIFY(!m_db.transaction([&] { return m_db.insertTitle(title("C")) && false; }));
-        QStringList symbols;
-        for (const DossierRow &row : m_db.dossierRows())
-            symbols << row.titolo;
-        QCOMPARE(symbols, QStringList { "A" });
-        QCOMPARE(m_db.storicoRows().size(), 1);
-        // Nothing was left open: what follows is written for good.
-        QVERIFY(m_db.insertTitle(title("D")));
         m_db.close();
-        QVERIFY(m_db.open(m_path).ok());
-        QCOMPARE(m_db.countTitles(), 2);
+        QCOMPARE(
+            rawSql(m_path, { "SELECT count(*) FROM giornata WHERE tiker = 'NEW''S' AND titolo = 'L''erede'" }).toInt(),
+            2);
+        QCOMPARE(rawSql(m_path, { "SELECT count(*) FROM giornata WHERE tiker = 'ALTRO'" }).toInt(), 1);
     }
 
-    void operationsOfKind_data()
+    // Operations picked by kind in date order; deleting them one by one, the title's row stays as it was
+    // without a rule, follows the rule given, and goes with the last operation.
+    void operationsOfKindAndDeletion()
     {
-        QTest::addColumn<QString>("pattern");
-        QTest::addColumn<QList<qint64>>("expected"); // quantities, in date order
-
-        QTest::newRow("tutte") << "*" << QList<qint64> { 1, 3, 2, 4 };
-        QTest::newRow("acquisti") << "AQ" << QList<qint64> { 1, 3 };
-        QTest::newRow("minuscolo, un carattere") << "?e" << QList<qint64> { 2, 4 };
-        QTest::newRow("percento letterale") << "%" << QList<qint64> {};
-        QTest::newRow("apice") << "A'" << QList<qint64> {};
-    }
-
-    void operationsOfKind()
-    {
-        QFETCH(QString, pattern);
-        QFETCH(QList<qint64>, expected);
-
-        const qint64 id = m_db.recordPurchase(title("ENI"), op("AQ", QDate(2024, 1, 15), 3)).value();
-        QVERIFY(m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 99)));
+        const qint64 id = m_db.recordPurchase(title("ENI", "Eni", 35), op("AQ", QDate(2024, 1, 15), 3)).value();
+        const qint64 bystander = m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 99)).value();
         const DossierRow row = *m_db.findTitleById(id);
         // Entered out of date order; 3 February comes before 2 March.
         QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 3, 2), 4)));
         QVERIFY(m_db.recordOperation(row, op("AQ", QDate(2023, 12, 31), 1)));
         QVERIFY(m_db.recordOperation(row, op("VE", QDate(2024, 2, 3), 2)));
-        QCOMPARE(quantities(m_db.operationsOfKind(id, pattern)), expected);
-    }
+        // All, purchases, lower case with one wildcard, "%" and a quote taken literally.
+        const QList<std::pair<QString, QList<qint64>>> patterns { { "*", { 1, 3, 2, 4 } }, { "AQ", { 1, 3 } },
+            { "?e", { 2, 4 } }, { "%", {} }, { "A'", {} } };
+        for (const auto &[pattern, expected] : patterns)
+            QVERIFY2(quantities(m_db.operationsOfKind(id, pattern)) == expected, qPrintable(pattern));
 
-    void deleteOperation_data()
-    {
-        QTest::addColumn<bool>("onlyOne");
-        QTest::addColumn<bool>("recompute");
-        QTest::addColumn<qint64>("qtaAfter"); // -1: the title is gone
-
-        QTest::newRow("l'unica") << true << true << qint64(-1);
-        QTest::newRow("ne resta una, ricalcolata") << false << true << qint64(10);
-        QTest::newRow("ne resta una, riga invariata") << false << false << qint64(30);
-    }
-
-    void deleteOperation()
-    {
-        QFETCH(bool, onlyOne);
-        QFETCH(bool, recompute);
-        QFETCH(qint64, qtaAfter);
-
-        const qint64 id = m_db.recordPurchase(title("ENI", "Eni", 30), op("AQ", QDate(2024, 1, 1), 10)).value();
-        const qint64 bystander = m_db.recordPurchase(title("ENEL"), op("AQ", QDate(2024, 1, 1), 1)).value();
-        if (!onlyOne)
-            QVERIFY(m_db.recordOperation(*m_db.findTitleById(id), op("AQ", QDate(2024, 2, 1), 20)));
         const RecomputeTitle sum = [](DossierRow row, const QList<Operazione> &remaining) {
             row.qta = 0;
             for (const Operazione &o : remaining)
                 row.qta += o.qta;
             return row;
         };
-        const RecomputeTitle rule = recompute ? sum : RecomputeTitle();
-        const DeleteOperationResult result
-            = m_db.deleteOperation(m_db.operationsOfTitle(id).last().idArchivioDossier, id, rule);
-        QVERIFY(result.ok);
-        QCOMPARE(result.titleDeleted, qtaAfter < 0);
-        QCOMPARE(result.remaining.size(), onlyOne ? 0 : 1);
-        QCOMPARE(m_db.findTitleById(id).has_value(), qtaAfter >= 0);
-        if (qtaAfter >= 0)
-            QCOMPARE(m_db.findTitleById(id)->qta, qtaAfter);
+        for (const auto &[rule, qtaAfter] :
+            QList<std::pair<RecomputeTitle, qint64>> { { {}, 35 }, { sum, 7 }, { sum, 3 }, { sum, -1 } }) {
+            const DeleteOperationResult result
+                = m_db.deleteOperation(m_db.operationsOfTitle(id).last().idArchivioDossier, id, rule);
+            QVERIFY(result.ok);
+            QCOMPARE(result.titleDeleted, qtaAfter < 0);
+            QCOMPARE(m_db.findTitleById(id) ? m_db.findTitleById(id)->qta : -1, qtaAfter);
+            QCOMPARE(quantities(result.remaining), quantities(m_db.operationsOfTitle(id)));
+        }
+        QVERIFY(m_db.operationsOfTitle(id).isEmpty());
         QCOMPARE(m_db.operationsOfTitle(bystander).size(), 1);
         QVERIFY(m_db.findTitleById(bystander));
     }
 
-    void storicoFoundToTheCent_data()
+    // Found by the current total rounded to the cent; a period is taken by whole days.
+    void storico()
     {
-        QTest::addColumn<double>("stored");
-        QTest::addColumn<double>("probe");
-        QTest::addColumn<bool>("found");
-
-        QTest::newRow("uguale") << 12345.67 << 12345.67 << true;
-        QTest::newRow("stesso centesimo arrotondato") << 12345.674 << 12345.666 << true;
-        QTest::newRow("un centesimo di differenza") << 12345.67 << 12345.68 << false;
-        QTest::newRow("non un numero") << 1.0 << qQNaN() << false;
+        const QList<std::pair<QDate, double>> rows { { QDate(2004, 2, 3), 12345.69 }, { QDate(2004, 3, 2), 12345.674 },
+            { QDate(2003, 12, 31), 12345.65 }, { QDate(2004, 2, 3), 1 } };
+        for (const auto &[day, attuale] : rows)
+            QVERIFY(m_db.insertStorico({ 0, day, 1000, attuale }));
+        for (const auto &[probe, id] : QList<std::pair<double, qint64>> {
+                 { 12345.67, 2 }, { 12345.666, 2 }, { 12345.68, 0 }, { 12345.66, 0 }, { qQNaN(), 0 } })
+            QCOMPARE(m_db.findStoricoByAttuale(probe).value_or(StoricoRow {}).id, id);
+        const auto period = [&](const QDate &first, const QDate &last) {
+            QList<qint64> ids;
+            for (const StoricoRow &r : m_db.storicoInPeriod(first, last))
+                ids << r.id;
+            return ids;
+        };
+        QCOMPARE(period(QDate(2004, 2, 3), QDate(2004, 3, 2)), (QList<qint64> { 1, 4, 2 }));
+        QCOMPARE(period(QDate(2003, 12, 31), QDate(2004, 2, 3)), (QList<qint64> { 3, 1, 4 }));
+        QVERIFY(m_db.deleteStorico(2));
+        QVERIFY(!m_db.findStoricoByAttuale(12345.67));
+        QCOMPARE(m_db.storicoRows().size(), 3);
     }
 
-    void storicoFoundToTheCent()
-    {
-        QFETCH(double, stored);
-        QFETCH(double, probe);
-        QFETCH(bool, found);
-
-        QVERIFY(m_db.insertStorico({ 0, QDate(2024, 1, 1), 1, stored + 0.02 }));
-        const qint64 id = m_db.insertStorico({ 0, QDate(2024, 1, 2), 1000, stored }).value();
-        QVERIFY(m_db.insertStorico({ 0, QDate(2024, 1, 3), 1, stored - 0.02 }));
-        const std::optional<StoricoRow> row = m_db.findStoricoByAttuale(probe);
-        QCOMPARE(row.has_value(), found);
-        if (found)
-            QCOMPARE(row->id, id);
-        QVERIFY(m_db.deleteStorico(id));
-        QVERIFY(!m_db.findStoricoByAttuale(stored));
-        QCOMPARE(m_db.storicoRows().size(), 2);
-    }
-
-    void storicoPeriodIsByDay_data()
-    {
-        QTest::addColumn<QDate>("first");
-        QTest::addColumn<QDate>("last");
-        QTest::addColumn<QList<qint64>>("ids"); // in date order
-
-        // Rows: 1 = 3 Feb 2004, 2 = 2 Mar 2004, 3 = 31 Dec 2003, 4 = 3 Feb 2004 again.
-        QTest::newRow("estremi inclusi") << QDate(2004, 2, 3) << QDate(2004, 3, 2) << QList<qint64> { 1, 4, 2 };
-        QTest::newRow("a cavallo dell'anno") << QDate(2003, 12, 31) << QDate(2004, 2, 3) << QList<qint64> { 3, 1, 4 };
-    }
-
-    void storicoPeriodIsByDay()
-    {
-        QFETCH(QDate, first);
-        QFETCH(QDate, last);
-        QFETCH(QList<qint64>, ids);
-
-        for (const QDate &d : { QDate(2004, 2, 3), QDate(2004, 3, 2), QDate(2003, 12, 31), QDate(2004, 2, 3) })
-            QVERIFY(m_db.insertStorico({ 0, d, 1, 2 }));
-        QList<qint64> got;
-        for (const StoricoRow &r : m_db.storicoInPeriod(first, last))
-            got << r.id;
-        QCOMPARE(got, ids);
-    }
-
-    // Quotes in names and groups, and text that would be SQL if pasted into a statement.
-    void groups()
+    // Groups, folders, password and log; quotes, and text that would be SQL if pasted into a statement.
+    void smallerTables()
     {
         const QString group = "L'anno'; DELETE FROM Gruppi; --", name = "Dell'Acqua' OR '1'='1";
 
@@ -269,9 +190,7 @@ private Q_SLOTS:
 
         QVERIFY(m_db.groupExists(group));
         QVERIFY(!m_db.groupExists(group + "x"));
-        QStringList sorted { group, "Altro" };
-        sorted.sort(Qt::CaseInsensitive);
-        QCOMPARE(m_db.groups(), sorted);
+        QCOMPARE(m_db.groups(), (QStringList { "Altro", group }));
         QCOMPARE(m_db.symbolsOfGroup(group), (QStringList { "S1", "S2" }));
         QCOMPARE(m_db.titlesOfGroup(group).first().titolo, name);
         for (const GruppoSize &size : m_db.groupSizes())
@@ -282,10 +201,7 @@ private Q_SLOTS:
         QCOMPARE(m_db.symbolsOfGroup("Altro"), QStringList { "S1" });
         QVERIFY(m_db.deleteGroup(group));
         QCOMPARE(m_db.groups(), QStringList { "Altro" });
-    }
 
-    void foldersPasswordAndLog()
-    {
         QVERIFY(m_db.replaceFolders({ "/z/", "/dati/l'archivio/", "/a/" }));
         QCOMPARE(m_db.folders(), (QStringList { "/z/", "/dati/l'archivio/", "/a/" }));
         QVERIFY(m_db.replaceFolders({ "/b/" }));
@@ -304,44 +220,6 @@ private Q_SLOTS:
         QCOMPARE(
             rawSql(m_path, { "SELECT data FROM LOG_ARCHIVIO WHERE Descrizione = 'Titolo ''X'' rimosso'" }).toString(),
             QDate::currentDate().toString(Qt::ISODate));
-    }
-
-    void renameCarriesSymbolAndName()
-    {
-        m_db.close();
-        QCOMPARE(rawSql(m_path,
-                     { "INSERT INTO giornata VALUES ('OLD', 'Vecchio'), ('old', 'minuscolo'),"
-                       " ('ALTRO', 'Altro')" }),
-            QVariant());
-        QVERIFY(m_db.open(m_path).ok());
-        const qint64 id = m_db.recordPurchase(title("OLD", "Vecchio"), op("AQ", QDate(2024, 1, 1), 5)).value();
-        const qint64 other = m_db.recordPurchase(title("ALTRO"), op("AQ", QDate(2024, 1, 1), 7)).value();
-        QVERIFY(m_db.recordOperation(*m_db.findTitleById(id), op("VE", QDate(2024, 2, 1), 2, 12)));
-
-        // A symbol another title holds is refused and changes nothing.
-        QVERIFY(!m_db.renameTitle(id, "altro", "Nuovo", "OLD"));
-        QCOMPARE(m_db.lastError().number, int(ErrDuplicateKey));
-        QCOMPARE(m_db.findTitleById(id)->descrizione, QStringLiteral("Vecchio"));
-        QVERIFY(!m_db.renameTitle(id + 100, "NEW'S", "L'erede", "OLD"));
-        QCOMPARE(m_db.lastError().number, int(ErrNoRecord));
-
-        QVERIFY(m_db.renameTitle(id, "NEW'S", "L'erede", "OLD"));
-        const DossierRow row = *m_db.findTitleById(id);
-        QCOMPARE(row.titolo, QStringLiteral("NEW'S"));
-        QCOMPARE(row.descrizione, QStringLiteral("L'erede"));
-        QCOMPARE(row.qta, 100);
-        for (const Operazione &o : m_db.operationsOfTitle(id)) {
-            QCOMPARE(o.titolo, QStringLiteral("L'erede"));
-            QCOMPARE(o.ticker, QStringLiteral("NEW'S"));
-        }
-        QCOMPARE(m_db.operationsOfTitle(id).last().valore, 12.0);
-        QCOMPARE(m_db.operationsOfTitle(other).first().ticker, QStringLiteral("SYM"));
-        m_db.close();
-        QCOMPARE(
-            rawSql(m_path, { "SELECT count(*) FROM giornata WHERE tiker = 'NEW''S' AND titolo = 'L''erede'" }).toInt(),
-            2);
-        QCOMPARE(
-            rawSql(m_path, { "SELECT count(*) FROM giornata WHERE tiker = 'ALTRO' AND titolo = 'Altro'" }).toInt(), 1);
     }
 
 private:
