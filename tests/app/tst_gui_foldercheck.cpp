@@ -36,7 +36,7 @@ struct Problem {
 TitoloArchivio title(const char *symbol, const char *name, int fields = 7)
 {
     const QuotaMS q { QDate(2025, 6, 2), 0, 3.25f, 3.25f, 3.25f, 3.25f, 0, 3.2f };
-    return { QString::fromLatin1(symbol), QString::fromLatin1(name), fields, { q } };
+    return { QString::fromLatin1(symbol), QString::fromLatin1(name), fields, { q }, {}, {}, {} };
 }
 
 QStringList items(const QListWidget *list)
@@ -273,28 +273,24 @@ private Q_SLOTS:
     // dossier could open.
     void commandLine_data()
     {
-        QTest::addColumn<QStringList>("kinds");
-        QTest::addColumn<int>("exitCode");
-        QTest::newRow("ready") << QStringList { "ready", "lowercase" } << 0;
-        QTest::newRow("invalid titles, unmarked") << QStringList { "invalid", "unmarked" } << 1;
-        QTest::newRow("no folders") << QStringList {} << 1;
+        eachProblem_data();
+        QTest::newRow("no folders") << Problem {};
     }
     void commandLine()
     {
-        QFETCH(QStringList, kinds);
-        QFETCH(int, exitCode);
+        QFETCH(Problem, problem);
         QTemporaryDir program;
-        const QStringList paths = folders(kinds);
+        const QStringList paths = folders(problem.kinds);
         QVERIFY(QFile::rename(database(paths, program.path()), program.filePath(QStringLiteral("valorimetrico.mdb"))));
         QProcess cli;
         cli.start(QStringLiteral(VM_CLI_PATH), { "verifica", "--cartella", program.path() });
         QVERIFY(cli.waitForFinished(60000));
-        QCOMPARE(cli.exitCode(), exitCode);
+        QCOMPARE(cli.exitCode(), problem.compatible ? 0 : 1);
         QString lines;
         for (const auto &e : verificaCartelle(paths).esiti)
             lines += e.testo + QLatin1Char('\n');
         QCOMPARE(QString::fromUtf8(cli.readAllStandardOutput()), lines);
-        QCOMPARE(QFile::exists(program.filePath(QStringLiteral("MstkTestFiles.txt"))), !kinds.isEmpty());
+        QCOMPARE(QFile::exists(program.filePath(QStringLiteral("MstkTestFiles.txt"))), !paths.isEmpty());
     }
 
     // A real archive not kept by the companion program, 23 of its 25 titles with 6 fields. The shared

@@ -137,19 +137,6 @@ private Q_SLOTS:
         QCOMPARE(overviews, 1);
     }
 
-    void closeAsksConfirmation()
-    {
-        for (const auto answer : { QMessageBox::No, QMessageBox::Yes }) {
-            testing::reset();
-            testing::setNextAnswer(answer);
-            item(QStringLiteral("m_exit_prog"))->trigger();
-            QCOMPARE(vmtest::shown(), QStringList { "Uscita dal programma|Confermi l'uscita?" });
-            QCOMPARE(testing::messages().first().buttons, QMessageBox::Yes | QMessageBox::No);
-            QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Exclamation);
-            QCOMPARE(m_window->isVisible(), answer == QMessageBox::No);
-        }
-    }
-
     // The chart menus write their codes, the last choice winning, to their own chart's section only;
     // the quote board redraws for its own. The colour menu writes to the chart and element its caller named.
     void chartSettings_data()
@@ -235,14 +222,24 @@ private Q_SLOTS:
         QVERIFY(testing::messages().isEmpty());
     }
 
-    // Without a database there is nothing to compact; a failure is told with its number.
-    void compactionFailure()
+    // Without a database there is nothing to compact; a failure is told with its number. Leaving asks first.
+    void compactionAndExit()
     {
         QAction *compact = item(QStringLiteral("m_dati_compatta"));
         QVERIFY(!compact->isEnabled());
         m_window->setCompactor([] { return std::optional<QString>(QStringLiteral("Errore 3356")); });
         compact->trigger();
         QCOMPARE(vmtest::shown(), QStringList { "Valorimetrico|Errore 3356" });
+        QVERIFY(m_window->isVisible());
+        for (const auto answer : { QMessageBox::No, QMessageBox::Yes }) {
+            testing::reset();
+            testing::setNextAnswer(answer);
+            item(QStringLiteral("m_exit_prog"))->trigger();
+            QCOMPARE(vmtest::shown(), QStringList { "Uscita dal programma|Confermi l'uscita?" });
+            QCOMPARE(testing::messages().first().buttons, QMessageBox::Yes | QMessageBox::No);
+            QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Exclamation);
+            QCOMPARE(m_window->isVisible(), answer == QMessageBox::No);
+        }
     }
 
     // Whole percents, cut rather than rounded, within 0 and 100.
