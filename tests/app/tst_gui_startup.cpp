@@ -121,8 +121,7 @@ private Q_SLOTS:
         QFETCH(QLocale, locale);
         QFETCH(bool, splash);
         QFETCH(bool, warns);
-        if (!ini.isNull())
-            writeFile("valorimetrico.ini", ini);
+        writeFile("valorimetrico.ini", ini);
         auto env = environment();
         env.screenWidth = 720;
         env.systemLocale = locale;

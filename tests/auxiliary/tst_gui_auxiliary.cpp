@@ -122,42 +122,28 @@ private Q_SLOTS:
         QCOMPARE(m_checks, 0);
     }
 
-    // Each label takes the counter's colour; the counter steps down and wraps to 14 below 11.
-    void animation_data()
-    {
-        QTest::addColumn<QList<int>>("row"); // the counter, the four colours, the counter after them
-        QTest::newRow("12") << QList<int> { 12, 12, 11, 14, 13, 12 };
-        QTest::newRow("0, before the first wrap") << QList<int> { 0, 0, 14, 13, 12, 11 };
-    }
-    void animation()
-    {
-        QFETCH(QList<int>, row);
-        const Form135::Animation a = Form135::animate(row[0]);
-        QCOMPARE(QList<int>(std::begin(a.colours), std::end(a.colours)) << a.counter, row.mid(1));
-    }
-
     // The window shows the stored path or the default without writing. The picker's choice is taken
     // only when it ends in "quotaflusso.exe", letter case included; then every keystroke is stored.
     void tools_data()
     {
         QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("text1");
+        QTest::addColumn<QString>("field");
         QTest::addColumn<QString>("picked");
         QTest::addColumn<QString>("stored");
-        const QString def = QStringLiteral("C:\\Programmi\\Quotaflusso\\quotaflusso.exe");
-        QTest::newRow("cancelled") << QByteArray() << def << ""
-                                   << "<none>";
-        QTest::newRow("capitals") << QByteArray() << def << "D:/Qf/QUOTAFLUSSO.EXE"
-                                  << "<none>";
-        QTest::newRow("companion") << QByteArray("[Strumenti]\nQuotaflusso=/opt/qf/quotaflusso.exe\n")
-                                   << "/opt/qf/quotaflusso.exe"
-                                   << "D:/Qf/quotaflusso.exe"
-                                   << "D:/Qf/quotaflusso.exe";
+        auto row = [](const char *tag, const char *text, const char *field, const char *picked, const char *stored) {
+            QTest::newRow(tag) << QByteArray(text) << QString::fromLatin1(field) << QString::fromLatin1(picked)
+                               << QString::fromLatin1(stored);
+        };
+        const char *def = "C:\\Programmi\\Quotaflusso\\quotaflusso.exe";
+        row("cancelled", nullptr, def, "", "<none>");
+        row("capitals", nullptr, def, "D:/Qf/QUOTAFLUSSO.EXE", "<none>");
+        row("companion", "[Strumenti]\nQuotaflusso=/opt/qf/quotaflusso.exe\n", "/opt/qf/quotaflusso.exe",
+            "D:/Qf/quotaflusso.exe", "D:/Qf/quotaflusso.exe");
     }
     void tools()
     {
         QFETCH(QByteArray, text);
-        QFETCH(QString, text1);
+        QFETCH(QString, field);
         QFETCH(QString, picked);
         QFETCH(QString, stored);
         vmtest::writeFile(vm::state().FileIni, text);
@@ -165,7 +151,7 @@ private Q_SLOTS:
         Form12 *f = Form12::instance();
         QVERIFY(f && f->isVisible());
         auto *path = child<QLineEdit>(f, "Text1");
-        QCOMPARE(path->text(), text1);
+        QCOMPARE(path->text(), field);
         QCOMPARE(QFile::exists(vm::state().FileIni), !text.isEmpty());
 
         testing::setNextPath(picked);
@@ -173,11 +159,11 @@ private Q_SLOTS:
         QCOMPARE(testing::pickerTitles(), QStringList { "Selezionare il programma Quotaflusso..." });
         QCOMPARE(ini(u"Strumenti", u"Quotaflusso"), stored);
         const bool refused = !picked.isEmpty() && stored == QLatin1String("<none>");
-        QCOMPARE(path->text(), refused || picked.isEmpty() ? text1 : stored);
+        QCOMPARE(path->text(), refused || picked.isEmpty() ? field : stored);
         QCOMPARE(vmtest::shown(),
             refused ? QStringList { "Avvio programma Quotaflusso|Il programma Quotaflusso non è stato selezionato." }
                     : QStringList {});
-        QVERIFY(!refused || path->selectedText() == text1);
+        QVERIFY(!refused || path->selectedText() == field);
 
         path->clear();
         QTest::keyClicks(path, QStringLiteral("/q"));
