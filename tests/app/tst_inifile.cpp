@@ -1,26 +1,11 @@
 #include "app/IniFile.h"
+#include "app/Settings.h"
+#include "app/TestSupport.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
-
-// A null QByteArray stands for "no file at all".
-void writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile::remove(path);
-    if (bytes.isNull())
-        return;
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-QByteArray readBytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 struct Write {
     const char *tag, *before, *value, *after; // before null: no file
@@ -97,7 +82,7 @@ private Q_SLOTS:
         QFETCH(QString, key);
         QFETCH(QString, defaultValue);
         QFETCH(QString, expected);
-        writeBytes(path(), file);
+        vmtest::writeFile(path(), file);
         QCOMPARE(vm::readIni(path(), section, key, defaultValue), expected);
     }
 
@@ -130,7 +115,6 @@ private Q_SLOTS:
             { "blank key", keep, "v", nullptr, "S", " " },
             { "empty section", keep, "v", nullptr, "" },
             { "key like a section", keep, "v", nullptr, "S", "[k" },
-            { "key like a comment", keep, "v", nullptr, "S", "#k" },
         };
         for (const auto &r : rows)
             QTest::newRow(r.tag) << r;
@@ -139,12 +123,12 @@ private Q_SLOTS:
     {
         QFETCH(Write, row);
         const QString value = QString::fromUtf8(row.value);
-        writeBytes(path(), QByteArray(row.before));
+        vmtest::writeFile(path(), QByteArray(row.before));
         vm::EsitoScritturaIni = row.after ? 0 : 1;
         QCOMPARE(vm::ScriviIni(path(), QString::fromLatin1(row.section), QString::fromLatin1(row.key), value),
             row.after != nullptr);
         QCOMPARE(vm::EsitoScritturaIni, qint16(row.after ? 1 : 0));
-        QCOMPARE(readBytes(path()), QByteArray(row.after ? row.after : row.before));
+        QCOMPARE(vmtest::readFile(path()), QByteArray(row.after ? row.after : row.before));
         if (row.after)
             QCOMPARE(vm::readIni(path(), u"S", u"k", u"?"), value);
     }
@@ -158,7 +142,7 @@ private Q_SLOTS:
         const QString huge = dir.filePath(QStringLiteral("grande.ini"));
         QByteArray big("[S]\nk=1\n");
         big.append(5 * 1024 * 1024, ';');
-        writeBytes(huge, big);
+        vmtest::writeFile(huge, big);
 
         for (const QString &file : { folder, missing, huge }) {
             QCOMPARE(vm::readIni(file, u"S", u"k", u"d"), QStringLiteral("d"));
@@ -166,8 +150,62 @@ private Q_SLOTS:
             QVERIFY(!vm::ScriviIni(file, u"S", u"k", u"2"));
             QCOMPARE(vm::EsitoScritturaIni, qint16(0));
         }
-        QCOMPARE(readBytes(huge), big);
+        QCOMPARE(vmtest::readFile(huge), big);
         QVERIFY(!QFileInfo::exists(missing));
+    }
+
+    // The settings the program reads: the chart defaults show in the rows below; these are the other settings'
+    // defaults, and reading them never creates the file.
+    void defaultsWithoutFile()
+    {
+        QFile::remove(path());
+        QVERIFY(vm::LeggiImpostazioniGrafico(path()).ok());
+        QVERIFY(vm::readSplash(path()).value);
+        QCOMPARE(vm::readSetting(path(), vm::settings::StrumentiQuotaflusso),
+            QStringLiteral("C:\\Programmi\\Quotaflusso\\quotaflusso.exe"));
+        QCOMPARE(vm::readTotaliDal(path(), QDate(2026, 3, 2)), QStringLiteral("25/02/26"));
+        QCOMPARE(vm::readSettingDouble(path(), vm::settings::SpeseCapitalGain).value, 0.0);
+        QCOMPARE(vm::readSettingInt16(path(), vm::settings::PerformanceTipo).value, qint16(3));
+        QVERIFY(!QFileInfo::exists(path()));
+    }
+
+    void chartSettings_data()
+    {
+        QTest::addColumn<QByteArray>("contents");
+        QTest::addColumn<int>("error");
+        QTest::addColumn<QList<double>>("values"); // Dati, Sfondo, Assi, Tipo, Griglie, Periodo
+
+        const int mismatch = vm::kErroreTipoNonCorrispondente;
+        const struct {
+            const char *tag, *contents;
+            int error;
+            QList<double> values;
+        } rows[] = {
+            { "all set", "[grafico]\nPeriodo=50\nGriglie=3\nTipo=2\nAssi=7\nSfondo=0\nDati=12\n", 0,
+                { 12, 0, 7, 2, 3, 50 } },
+            { "decimal type kept, defaults", "[Grafico]\nTipo=2,5\n", 0, { 2, 15, 0, 2.5, 1, 25 } },
+            { "integer half to even down", "[Grafico]\nGriglie=2,5\n", 0, { 2, 15, 0, 1, 2, 25 } },
+            { "integer half to even up", "[Grafico]\nGriglie=3,5\n", 0, { 2, 15, 0, 1, 4, 25 } },
+            { "not a number", "[Grafico]\nDati=si\nSfondo=3\n", mismatch, { 2, 15, 0, 1, 1, 25 } },
+            { "overflow keeps earlier values", "[Grafico]\nDati=4\nPeriodo=40000\n", vm::kErroreOverflow,
+                { 4, 15, 0, 1, 1, 25 } },
+            { "largest 16-bit", "[Grafico]\nPeriodo=32.767\n", 0, { 2, 15, 0, 1, 1, 32767 } },
+        };
+        for (const auto &r : rows)
+            QTest::newRow(r.tag) << QByteArray(r.contents) << r.error << r.values;
+    }
+    void chartSettings()
+    {
+        QFETCH(QByteArray, contents);
+        QFETCH(int, error);
+        QFETCH(QList<double>, values);
+        vmtest::writeFile(path(), contents);
+        const auto chart = vm::LeggiImpostazioniGrafico(path());
+        QCOMPARE(chart.error, error);
+        const auto &s = chart.value;
+        QCOMPARE((QList<double> { double(s.ColoreDati), double(s.ColoreSfondo), double(s.ColoreAssi), s.TipoGrafico,
+                     double(s.GriglieGrafico), double(s.PeriodoGrafico) }),
+            values);
     }
 };
 
