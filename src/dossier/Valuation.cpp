@@ -1,5 +1,6 @@
 #include "dossier/Valuation.h"
 
+#include "app/AppInfo.h"
 #include "app/Format.h"
 #include "metastock/Master.h"
 #include "metastock/Prezzi.h"
@@ -110,7 +111,7 @@ RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> 
     QString errore;
     riga.chiusura = metastock::PrezzoMs(cartella->percorsoPrezzi(*trovato), trovato->campi, &errore).value_or(0.0f);
     if (!errore.isEmpty())
-        avvisi.append({ QString::fromUtf8(kTitoloProgramma), errore, Avviso::Icona::Critica, false });
+        avvisi.append({ QString::fromLatin1(kProgramName), errore, Avviso::Icona::Critica, false });
 
     const double chiusura = riga.chiusura;
     riga.attuale = chiusura * qta;
@@ -153,7 +154,7 @@ Valutazione PreparaDati(
 {
     Valutazione v;
     if (cartelle.isEmpty()) {
-        v.avvisi.append({ QString::fromUtf8(kTitoloProgramma), QString::fromUtf8(kMessaggioNessunaCartella),
+        v.avvisi.append({ QString::fromLatin1(kProgramName), QString::fromUtf8(kMessaggioNessunaCartella),
             Avviso::Icona::Nessuna, false });
         return v;
     }

@@ -27,7 +27,6 @@ inline constexpr auto kValoreNonTrovato = "0.0";
 // The percentage of a title that cannot have one: not found, archive without the mark, average price 0.
 inline constexpr auto kPercentualeNulla = "0.0%";
 
-inline constexpr auto kTitoloProgramma = "Valorimetrico";
 inline constexpr auto kMessaggioNessunaCartella = "Le impostazioni degli archivi, non sono state impostate.";
 inline constexpr auto kTitoloCartellaMancante = "Cartella non accessibile";
 inline constexpr auto kTitoloTitoloMancante = "ATTENZIONE";
