@@ -40,8 +40,8 @@ int main(int argc, char **argv)
     vm::store::Database db;
     if (!db.open(args[i + 1] + QStringLiteral("/valorimetrico.mdb")).ok())
         return 1;
-    const QStringList cartelle = db.folders();
-    const auto titoli = db.dossierRows();
+    const QStringList cartelle = db.folders().value_or(QStringList());
+    const auto titoli = db.dossierRows().value_or(QList<vm::store::DossierRow>());
 
     QHash<QString, QByteArray> prezzi; // symbol -> price file of its first folder
     for (const QString &c : cartelle) {

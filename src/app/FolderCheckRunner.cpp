@@ -1,9 +1,12 @@
 #include "app/FolderCheckRunner.h"
 
 #include "app/MainWindow.h"
-#include "app/MessageBox.h"
-#include "app/ProgramState.h"
-#include "app/ProgressBar.h"
+#include "core/ProgramFolder.h"
+#include "core/ProgramState.h"
+#include "gui/DataEvents.h"
+#include "gui/MessageBox.h"
+#include "gui/ProgressBar.h"
+#include "gui/WindowContext.h"
 #include "store/Database.h"
 
 #include <QAction>
@@ -16,28 +19,22 @@
 
 namespace vm {
 
-namespace {
-
-const char *const kReportName = "MstkTestFiles.txt";
-
-} // namespace
-
-FolderCheckRunner::FolderCheckRunner(MainWindow &mainWindow, store::Database &db)
+FolderCheckRunner::FolderCheckRunner(MainWindow &mainWindow, const WindowContext &context)
     : m_mainWindow(mainWindow)
-    , m_db(db)
+    , m_context(context)
 { }
 
 std::optional<VerificaArchivi> FolderCheckRunner::run()
 {
     if (m_running)
         return std::nullopt;
-    const QStringList folders = m_db.folders();
-    if (const store::StoreError &error = m_db.lastError(); error.failed()) {
-        ui::message(&m_mainWindow,
-            error.message.isEmpty() ? QStringLiteral("Errore ") + QString::number(error.number) : error.message, {},
-            ui::Icon::Critical);
+    const std::optional<QStringList> read = m_context.db.folders();
+    if (!read) {
+        ui::message(&m_mainWindow, store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()),
+            {}, ui::Icon::Critical);
         return std::nullopt;
     }
+    const QStringList &folders = *read;
     if (folders.isEmpty()) {
         ui::message(
             &m_mainWindow, messaggioNessunaCartella(), QString::fromUtf8(kTitoloNessunaCartella), ui::Icon::Critical);
@@ -62,16 +59,20 @@ std::optional<VerificaArchivi> FolderCheckRunner::run()
         QCoreApplication::processEvents();
     });
 
-    const QString report = programFile(QString::fromLatin1(kReportName));
+    const QString report = m_context.state.file(QString::fromLatin1(kCheckReportFileName));
     QString reason;
     const bool reportWritten = scriviReport(report, check, QDateTime::currentDateTime(), &reason);
 
     showOutcome(check);
-    state().ArchiviCompatibili = check.archiviCompatibili(state().ArchiviCompatibili);
-    state().AttributiMaster = check.attributiMaster;
-    m_mainWindow.setArchivesReady(check.pronti());
-    if (QAction *refresh = m_mainWindow.button(4, QStringLiteral("aggiorna")); refresh && !state().ArchiviCompatibili)
-        refresh->setEnabled(false);
+    ProgramState &state = m_context.state;
+    state.ArchiviCompatibili = check.archiviCompatibili(state.ArchiviCompatibili);
+    state.AttributiMaster = check.attributiMaster;
+    CommandState commands = m_mainWindow.commandState();
+    commands.archivesReady = check.pronti();
+    if (!state.ArchiviCompatibili)
+        commands.refreshEnabled = false;
+    m_mainWindow.setCommandState(commands);
+    Q_EMIT m_context.events.archivesChecked(check.pronti());
     m_mainWindow.unsetCursor();
     m_running = false;
 
@@ -106,9 +107,9 @@ void FolderCheckRunner::showOutcome(const VerificaArchivi &check)
     }
 }
 
-void installFolderCheck(MainWindow &mainWindow, store::Database &db)
+void registerFolderCheck(MainWindow &mainWindow, const WindowContext &context)
 {
-    auto runner = std::make_shared<FolderCheckRunner>(mainWindow, db);
+    auto runner = std::make_shared<FolderCheckRunner>(mainWindow, context);
     mainWindow.setHook(MainWindow::Hook::FolderCheck, [runner] { runner->run(); });
 }
 

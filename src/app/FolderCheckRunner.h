@@ -1,6 +1,7 @@
 #pragma once
 
-#include "app/FolderCheck.h"
+#include "gui/WindowContext.h"
+#include "metastock/FolderCheck.h"
 
 #include <optional>
 
@@ -8,17 +9,13 @@ namespace vm {
 
 class MainWindow;
 
-namespace store {
-class Database;
-}
-
 // "VerificaDirMS" with its window: checks the folders of table `directory` while the main window's
 // progress panel lists each outcome, then sets the program's archive flags, the status bar and the
 // commands that need ready archives, writes the report and tells the user about what stops the work.
 class FolderCheckRunner
 {
 public:
-    FolderCheckRunner(MainWindow &mainWindow, store::Database &db);
+    FolderCheckRunner(MainWindow &mainWindow, const WindowContext &context);
 
     // One run. Nothing when no run took place: one is already under way, or the folders could not
     // be read (the user has been told why).
@@ -28,12 +25,11 @@ private:
     void showOutcome(const VerificaArchivi &check);
 
     MainWindow &m_mainWindow;
-    store::Database &m_db;
+    WindowContext m_context;
     bool m_running = false; // the panel lets events through, so the check could be asked for again
 };
 
-// Makes the main window's folder check (start-up, the "test" key) run with this database, which must
-// outlive the main window.
-void installFolderCheck(MainWindow &mainWindow, store::Database &db);
+// Makes the main window's folder check (start-up, the "test" key) run with the context's database.
+void registerFolderCheck(MainWindow &mainWindow, const WindowContext &context);
 
 } // namespace vm

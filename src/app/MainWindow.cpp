@@ -1,14 +1,15 @@
 #include "app/MainWindow.h"
 
-#include "app/AppInfo.h"
-#include "app/FolderCheck.h"
-#include "app/MessageBox.h"
-#include "app/ProgramFolder.h"
-#include "app/ProgramState.h"
-#include "app/ProgressBar.h"
-#include "app/Settings.h"
-#include "app/WindowSupport.h"
-#include "auxiliary/Form135.h"
+#include "core/ProgramFolder.h"
+#include "core/ProgramInfo.h"
+#include "core/ProgramState.h"
+#include "core/Settings.h"
+#include "gui/DataEvents.h"
+#include "gui/MessageBox.h"
+#include "gui/ProgressBar.h"
+#include "gui/SingleWindow.h"
+#include "gui/ThemeIcons.h"
+#include "metastock/FolderCheck.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -35,46 +36,6 @@
 namespace vm {
 
 namespace {
-
-QPointer<MainWindow> g_mainWindow;
-
-// Twips as the window's measures are given, at 15 twips to a logical pixel.
-constexpr int px(int twips)
-{
-    return twips / 15;
-}
-
-// Desktop calculators, in order of preference.
-const char *const kCalculators[] = { "gnome-calculator", "kcalc", "galculator", "qalculate-gtk", "xcalc" };
-
-// Freedesktop names first, then older names some themes still use.
-QIcon themeIcon(const char *name)
-{
-    static const QHash<QString, QString> fallbacks = {
-        { QStringLiteral("application-exit"), QStringLiteral("system-log-out") },
-        { QStringLiteral("changes-prevent"), QStringLiteral("system-lock-screen") },
-        { QStringLiteral("changes-allow"), QStringLiteral("folder-open") },
-    };
-    const QString n = QString::fromLatin1(name);
-    if (QIcon::hasThemeIcon(n) || !fallbacks.contains(n))
-        return QIcon::fromTheme(n);
-    return QIcon::fromTheme(fallbacks.value(n));
-}
-
-void ensureIconTheme()
-{
-    if (QIcon::hasThemeIcon(QStringLiteral("document-new")))
-        return;
-    // Without a desktop (no platform theme, as offscreen) Qt knows no icon folders at all.
-    QStringList paths = QIcon::themeSearchPaths();
-    for (const QString &dir : QStandardPaths::locateAll(
-             QStandardPaths::GenericDataLocation, QStringLiteral("icons"), QStandardPaths::LocateDirectory)) {
-        if (!paths.contains(dir))
-            paths << dir;
-    }
-    QIcon::setThemeSearchPaths(paths);
-    QIcon::setThemeName(QStringLiteral("Tango"));
-}
 
 QIcon colourSwatch(int index)
 {
@@ -134,15 +95,16 @@ void StatusPanel::mouseReleaseEvent(QMouseEvent *event)
 }
 
 // ---------------------------------------------------------------------------------------------
-MainWindow::MainWindow(QWidget *parent)
+MainWindow::MainWindow(ProgramState &state, const SettingsFile &settings, DataEvents &events, QWidget *parent)
     : QMainWindow(parent)
+    , m_state(state)
+    , m_settings(settings)
+    , m_events(events)
 {
-    g_mainWindow = this;
     setObjectName(QStringLiteral("MDIForm1"));
     setWindowTitle(QString::fromLatin1(kProgramName));
     setWindowFlag(Qt::WindowMaximizeButtonHint, false);
     setAttribute(Qt::WA_QuitOnClose, true);
-    ensureIconTheme();
 
     auto *central = new QWidget(this);
     auto *layout = new QVBoxLayout(central);
@@ -163,23 +125,13 @@ MainWindow::MainWindow(QWidget *parent)
     buildMenus();
     buildPopupMenus();
     buildToolbars();
-    LeggiINI();
     buildStatusBar();
-    setDossierProtected(state().DossierProtetto);
-    updateCommands();
+    setDossierProtected(m_state.DossierProtetto);
+    applyCommandState();
     Centra();
 }
 
-MainWindow::~MainWindow()
-{
-    if (g_mainWindow == this)
-        g_mainWindow = nullptr;
-}
-
-MainWindow *MainWindow::instance()
-{
-    return g_mainWindow;
-}
+MainWindow::~MainWindow() = default;
 
 QAction *MainWindow::addCommand(QWidget *owner, const QString &name, const QString &caption, const char *icon)
 {
@@ -210,32 +162,50 @@ void MainWindow::needs(QAction *action, Hook hook, bool needsArchives)
     m_requirements.insert(action, { hook, needsArchives });
 }
 
-void MainWindow::updateCommands()
+// The one rule for which commands are enabled and shown: each needs its handler, the quote commands need
+// archives that passed the check, and the dossier toolbar's own keys follow the overview's state.
+void MainWindow::applyCommandState()
 {
     for (auto it = m_requirements.cbegin(); it != m_requirements.cend(); ++it)
-        it.key()->setEnabled(hasHook(it.value().hook) && (m_archivesReady || !it.value().needsArchives));
+        it.key()->setEnabled(
+            hasCommand(it.value().hook) && (m_commandState.archivesReady || !it.value().needsArchives));
     if (m_compactAction)
         m_compactAction->setEnabled(bool(m_compactor));
+    for (const char *key : { "grafico", "giornata", "spese" })
+        button(4, QString::fromLatin1(key))->setVisible(m_commandState.dossierCommandsShown);
+    button(4, QStringLiteral("spese"))->setEnabled(hasCommand(Command::FeeSettings));
+    button(4, QStringLiteral("anagrafica"))
+        ->setEnabled(m_commandState.renameEnabled && hasCommand(Command::RenameTitle));
+    button(4, QStringLiteral("aggiorna"))
+        ->setEnabled(
+            m_commandState.refreshEnabled && m_state.ArchiviCompatibili && hasCommand(Command::RecomputeDossier));
+    button(4, QStringLiteral("print"))->setEnabled(m_commandState.printEnabled && hasCommand(Command::PrintDossier));
 }
 
-void MainWindow::setHook(Hook hook, std::function<void()> handler)
+void MainWindow::setCommandState(const CommandState &state)
+{
+    m_commandState = state;
+    applyCommandState();
+}
+
+void MainWindow::setCommand(Command command, std::function<void()> handler)
 {
     if (handler)
-        m_hooks.insert(hook, std::move(handler));
+        m_hooks.insert(command, std::move(handler));
     else
-        m_hooks.remove(hook);
-    updateCommands();
+        m_hooks.remove(command);
+    applyCommandState();
 }
 
-bool MainWindow::hasHook(Hook hook) const
+bool MainWindow::hasCommand(Command command) const
 {
-    return m_hooks.contains(hook);
+    return m_hooks.contains(command);
 }
 
 void MainWindow::setCompactor(Compactor compactor)
 {
     m_compactor = std::move(compactor);
-    updateCommands();
+    applyCommandState();
 }
 
 void MainWindow::run(Hook hook)
@@ -265,7 +235,7 @@ void MainWindow::setCurrentView(const QString &name)
 
 void MainWindow::setDossierProtected(bool isProtected)
 {
-    state().DossierProtetto = isProtected;
+    m_state.DossierProtetto = isProtected;
     const char *icon = isProtected ? "changes-prevent" : "changes-allow";
     if (m_panels.size() >= 4)
         m_panels[3]->setIcon(themeIcon(icon), QString::fromLatin1(icon));
@@ -278,16 +248,45 @@ void MainWindow::setDossierProtected(bool isProtected)
 
 void MainWindow::setArchivesReady(bool ready)
 {
-    m_archivesReady = ready;
-    updateCommands();
+    m_commandState.archivesReady = ready;
+    applyCommandState();
 }
 
-void MainWindow::fillTitles(QComboBox *combo, const QStringList &titles)
+void MainWindow::fillTitles(TitleSelector selector, const QStringList &titles)
 {
+    QComboBox *combo = selector == TitleSelector::Quotes ? m_combo1 : m_combo2;
     combo->setProperty("tag", QStringLiteral("X"));
     combo->clear();
     combo->addItems(titles);
     combo->setProperty("tag", QString());
+}
+
+void MainWindow::selectTitle(TitleSelector selector, int index)
+{
+    QComboBox *combo = selector == TitleSelector::Quotes ? m_combo1 : m_combo2;
+    combo->setProperty("tag", QStringLiteral("X"));
+    combo->setCurrentIndex(index);
+    combo->setProperty("tag", QString());
+}
+
+int MainWindow::currentTitle(TitleSelector selector) const
+{
+    return (selector == TitleSelector::Quotes ? m_combo1 : m_combo2)->currentIndex();
+}
+
+QMenu *MainWindow::popupMenu(PopupMenu menu)
+{
+    switch (menu) {
+    case PopupMenu::Title:
+        return m_titleMenu;
+    case PopupMenu::Colours:
+        return m_colourMenu;
+    case PopupMenu::HistoryType:
+        return m_historyTypeMenu;
+    case PopupMenu::HistoryColours:
+        return m_historyColourMenu;
+    }
+    return nullptr;
 }
 
 void MainWindow::showProgressPanel(bool visible)
@@ -323,15 +322,6 @@ QAction *MainWindow::button(int toolbarNumber, const QString &key) const
 {
     QToolBar *bar = toolbar(toolbarNumber);
     return bar ? bar->findChild<QAction *>(key, Qt::FindDirectChildrenOnly) : nullptr;
-}
-
-void MainWindow::showDossierCommands()
-{
-    for (const char *key : { "grafico", "giornata", "spese" })
-        button(4, QString::fromLatin1(key))->setVisible(true);
-    button(4, QStringLiteral("anagrafica"))->setEnabled(hasHook(Hook::RenameTitle));
-    button(4, QStringLiteral("print"))->setEnabled(hasHook(Hook::PrintDossier));
-    button(4, QStringLiteral("aggiorna"))->setEnabled(hasHook(Hook::RecomputeDossier) && state().ArchiviCompatibili);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -375,8 +365,9 @@ void MainWindow::buildMenus()
         tools, QStringLiteral("m_strumenti_impostazioni"), QStringLiteral("&Impostazioni.."), "preferences-system");
     needs(settings, Hook::Tools);
     connect(settings, &QAction::triggered, this, [this] { run(Hook::Tools); });
-    connect(addCommand(tools, QStringLiteral("m_run_quotaflusso"), QStringLiteral("Avvio Quotaflusso...")),
-        &QAction::triggered, this, &MainWindow::startCompanion);
+    QAction *companion = addCommand(tools, QStringLiteral("m_run_quotaflusso"), QStringLiteral("Avvio Quotaflusso..."));
+    needs(companion, Hook::Companion);
+    connect(companion, &QAction::triggered, this, [this] { run(Hook::Companion); });
 
     QMenu *info = menu(QStringLiteral("m_info"), QStringLiteral("&?"));
     QAction *help = addCommand(info, QStringLiteral("m_help"), QStringLiteral("&Help"), "help-browser");
@@ -386,24 +377,20 @@ void MainWindow::buildMenus()
     QMenu *web = info->addMenu(themeIcon("internet-web-browser"), QStringLiteral("Valorimetrico sul Web"));
     web->setObjectName(QStringLiteral("M_ms_web"));
     web->menuAction()->setObjectName(QStringLiteral("M_ms_web"));
-    const QString site = QStringLiteral("https://") + QString::fromLatin1(kSitoQuotaflusso);
-    const std::tuple<QMenu *, const char *, const char *, QString> links[] = {
-        { web, "m_mc_htm", "Pagina Valorimetrico", site + QStringLiteral("/valorimetrico.htm") },
-        { web, "M_ms_link", "&Home page Quotaflusso ..", site },
-        { info, "m_ms_email", "&Invia una Email..",
-            QStringLiteral("mailto:") + QString::fromLatin1(kPostaQuotaflusso)
-                + QStringLiteral("?subject=Informazioni, notizie, chiarimenti su Valorimetrico") },
+    const std::tuple<QMenu *, const char *, const char *, const char *, Hook> items[] = {
+        { web, "m_mc_htm", "Pagina Valorimetrico", nullptr, Hook::SiteValorimetrico },
+        { web, "M_ms_link", "&Home page Quotaflusso ..", nullptr, Hook::SiteQuotaflusso },
+        { info, "m_ms_email", "&Invia una Email..", nullptr, Hook::Email },
+        { info, "m_leggimi", "&Leggimi", "x-office-document", Hook::Readme },
+        { info, "m_autore", "&Informazioni", "dialog-information", Hook::About },
     };
-    // The desktop reports nothing when it cannot open one of them, and neither does the program.
-    for (const auto &[owner, name, caption, address] : links) {
-        connect(addCommand(owner, QString::fromLatin1(name), QString::fromUtf8(caption)), &QAction::triggered, this,
-            [address = address] { ui::openDocument(address); });
+    for (const auto &[owner, name, caption, icon, hook] : items) {
+        if (hook == Hook::About)
+            info->addSeparator();
+        QAction *a = addCommand(owner, QString::fromLatin1(name), QString::fromUtf8(caption), icon);
+        needs(a, hook);
+        connect(a, &QAction::triggered, this, [this, hook = hook] { run(hook); });
     }
-    connect(addCommand(info, QStringLiteral("m_leggimi"), QStringLiteral("&Leggimi"), "x-office-document"),
-        &QAction::triggered, this, &MainWindow::openReadme);
-    info->addSeparator();
-    connect(addCommand(info, QStringLiteral("m_autore"), QStringLiteral("&Informazioni"), "dialog-information"),
-        &QAction::triggered, this, &MainWindow::showAbout);
 }
 
 void MainWindow::buildPopupMenus()
@@ -487,14 +474,16 @@ void MainWindow::buildToolbars()
     QAction *portfolio = key(t1, "portafoglio", "Dossier titoli", "x-office-spreadsheet");
     needs(portfolio, Hook::DossierOverview); // answers with a message while the archives are not ready
     connect(portfolio, &QAction::triggered, this, [this] {
-        if (!state().ArchiviCompatibili) {
+        if (!m_state.ArchiviCompatibili) {
             ui::message(this,
                 QStringLiteral("I dati metastock non sono inseriti da Quotaflusso, questa funzione "
                                "non è disponibile"));
             return;
         }
         VaiDossierTitoli();
-        button(4, QStringLiteral("print"))->setEnabled(hasHook(Hook::PrintDossier));
+        CommandState commands = m_commandState;
+        commands.printEnabled = true;
+        setCommandState(commands);
         setCurrentView(QStringLiteral("Dossier-Asset"));
     });
     QAction *day = key(t1, "giornata", "Quotazioni", "x-office-calendar");
@@ -537,8 +526,10 @@ void MainWindow::buildToolbars()
         showProgressPanel(false);
         VerificaDirMS();
     });
-    connect(key(t3, "crack", "Report verifica archivi", "text-x-generic"), &QAction::triggered, this,
-        [] { ui::openDocument(programFile(QString::fromLatin1(kCheckReportFileName))); });
+    connect(key(t3, "crack", "Report verifica archivi", "text-x-generic"), &QAction::triggered, this, [this] {
+        if (!ui::openDocument(m_state.file(QString::fromLatin1(kCheckReportFileName))))
+            ui::message(this, ui::noOpenerText(), {}, ui::Icon::Exclamation);
+    });
 
     // Dossier commands; their order counts: the views refer to buttons 5, 6, 7 and 9 to 11.
     // "anagrafica", "aggiorna" and "print" (5 to 7) follow the overview's state, not only their hooks.
@@ -565,8 +556,9 @@ void MainWindow::buildToolbars()
             == QMessageBox::Yes)
             run(Hook::PrintDossier);
     });
-    connect(key(t4, "calc", "Calcolatrice", "accessories-calculator"), &QAction::triggered, this,
-        &MainWindow::startCalculator);
+    QAction *calculator = key(t4, "calc", "Calcolatrice", "accessories-calculator");
+    needs(calculator, Hook::Calculator);
+    connect(calculator, &QAction::triggered, this, [this] { run(Hook::Calculator); });
     QAction *history = key(t4, "grafico", "Andamento del dossier", "utilities-system-monitor");
     needs(history, Hook::DossierHistory, true);
     connect(history, &QAction::triggered, this,
@@ -575,14 +567,14 @@ void MainWindow::buildToolbars()
     needs(dossierQuotes, Hook::QuoteBoardDossier, true);
     connect(dossierQuotes, &QAction::triggered, this,
         [this] { showView(Hook::QuoteBoardDossier, QStringLiteral("Giornata Dossier")); });
-    key(t4, "spese", "Spese", "accessories-text-editor")->setEnabled(false);
-    for (const char *k : { "grafico", "giornata", "spese" })
-        button(4, QString::fromLatin1(k))->setVisible(false);
+    connect(key(t4, "spese", "Spese", "accessories-text-editor"), &QAction::triggered, this,
+        [this] { run(Hook::FeeSettings); });
 
     m_combo2 = addTitleSelector(t4, QStringLiteral("Combo2"), [this](int index) {
-        button(4, QStringLiteral("anagrafica"))->setEnabled(hasHook(Hook::RenameTitle));
-        button(4, QStringLiteral("print"))->setEnabled(hasHook(Hook::PrintDossier));
-        Q_EMIT dossierTitleChosen(index);
+        CommandState commands = m_commandState;
+        commands.renameEnabled = commands.printEnabled = true;
+        setCommandState(commands);
+        Q_EMIT m_events.dossierTitleChosen(index);
     });
 
     QToolBar *t5 = bar(5);
@@ -605,15 +597,15 @@ void MainWindow::buildToolbars()
                           std::initializer_list<std::pair<const char *, int>> items) {
         QMenu *m = buttonMenu(name, tip, icon);
         auto *group = new QActionGroup(m);
-        const qint16 saved = readSettingInt16(state().FileIni, setting).value;
+        const qint16 saved = m_settings.readInt16(setting).value;
         for (const auto &[itemName, value] : items) {
             QAction *a = addCommand(m, QString::fromLatin1(itemName), QString::fromLatin1(itemName));
             a->setCheckable(true);
             a->setChecked(value == saved);
             group->addAction(a);
             connect(a, &QAction::triggered, this, [this, setting, value = value] {
-                writeSetting(state().FileIni, setting, value);
-                Q_EMIT quoteChartSettingsChanged();
+                m_settings.write(setting, value);
+                Q_EMIT m_events.quoteChartSettingsChanged();
             });
         }
     };
@@ -631,7 +623,8 @@ void MainWindow::buildToolbars()
     choiceMenu("griglie", "Griglie del grafico", "format-justify-fill", settings::GraficoGriglie,
         { { "orizzontali", 1 }, { "vericali", 2 }, { "tutte", 3 }, { "nessuna", 0 } });
 
-    m_combo1 = addTitleSelector(t5, QStringLiteral("Combo1"), [this](int index) { Q_EMIT quoteTitleChosen(index); });
+    m_combo1 = addTitleSelector(
+        t5, QStringLiteral("Combo1"), [this](int index) { Q_EMIT m_events.quoteTitleChosen(index); });
 
     for (const char *k : { "anagrafica", "aggiorna", "print" })
         button(4, QString::fromLatin1(k))->setEnabled(false);
@@ -690,13 +683,16 @@ void MainWindow::Centra()
 void MainWindow::VaiDossierTitoli()
 {
     setCurrentView(QStringLiteral("Dossier-Asset"));
-    button(4, QStringLiteral("anagrafica"))->setEnabled(false);
-    if (state().DossierProtetto && hasHook(Hook::PasswordPrompt)) {
+    CommandState commands = m_commandState;
+    commands.renameEnabled = false;
+    setCommandState(commands);
+    if (m_state.DossierProtetto && hasHook(Hook::PasswordPrompt)) {
         unsetCursor();
         run(Hook::PasswordPrompt);
         return;
     }
-    button(4, QStringLiteral("aggiorna"))->setEnabled(hasHook(Hook::RecomputeDossier) && state().ArchiviCompatibili);
+    commands.refreshEnabled = true; // enabled while the archives passed the check
+    setCommandState(commands);
     run(Hook::DossierOverview);
 }
 
@@ -735,18 +731,18 @@ void MainWindow::chooseColour(int index)
     const std::optional<IniKey> key = colourKey(m_colourChart, m_colourElement);
     if (!key)
         return;
-    writeSetting(state().FileIni, *key, index);
+    m_settings.write(*key, index);
     if (m_colourChart == QLatin1String("S"))
-        Q_EMIT historyChartSettingsChanged();
+        Q_EMIT m_events.historyChartSettingsChanged();
     else
-        Q_EMIT quoteChartSettingsChanged();
+        Q_EMIT m_events.quoteChartSettingsChanged();
 }
 
 void MainWindow::setHistoryChartType(int item)
 {
     static const int codes[] = { 4, 3, 8, 6 };
-    writeSetting(state().FileIni, settings::GraficoStoricoTipo, codes[item]);
-    Q_EMIT historyChartSettingsChanged();
+    m_settings.write(settings::GraficoStoricoTipo, codes[item]);
+    Q_EMIT m_events.historyChartSettingsChanged();
 }
 
 void MainWindow::compactDatabase()
@@ -760,46 +756,6 @@ void MainWindow::compactDatabase()
         ui::message(this, *error, {}, ui::Icon::Critical);
     else
         ui::message(this, QStringLiteral("Database compattato."), {}, ui::Icon::Exclamation);
-}
-
-void MainWindow::startCalculator()
-{
-    for (const char *name : kCalculators) {
-        const QString path = QStandardPaths::findExecutable(QString::fromLatin1(name));
-        if (!path.isEmpty()) {
-            if (!ui::startProgram(path))
-                ui::message(this, QStringLiteral("Impossibile avviare la calcolatrice %1.").arg(path), {},
-                    ui::Icon::Exclamation);
-            return;
-        }
-    }
-    ui::message(this,
-        QStringLiteral("Nessuna calcolatrice trovata: installare gnome-calculator, kcalc, galculator, "
-                       "qalculate-gtk oppure xcalc."),
-        QStringLiteral("Calcolatrice"), ui::Icon::Exclamation);
-}
-
-void MainWindow::startCompanion()
-{
-    const QString path = readSetting(state().FileIni, settings::StrumentiQuotaflusso);
-    if (!QFileInfo(path).isFile() || !ui::startProgram(path))
-        ui::message(
-            this, QStringLiteral("File non trovato."), QStringLiteral("Avvia Quotaflusso"), ui::Icon::Exclamation);
-}
-
-void MainWindow::openReadme()
-{
-    const QString path = programFile(QStringLiteral("valorimetrico_info.pdf"));
-    if (!QFileInfo(path).isFile() || !ui::openDocument(path))
-        ui::message(this,
-            QStringLiteral("File valorimetrico_info.pdf non trovato, oppure Acrobat Reader non installato."),
-            QStringLiteral("File non trovato"), ui::Icon::Exclamation);
-    unsetCursor();
-}
-
-void MainWindow::showAbout()
-{
-    aux::Form135::showAbout();
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "gui/Shell.h"
+
 #include <QHash>
 #include <QMainWindow>
 #include <QPointer>
@@ -18,106 +20,73 @@ class QToolBar;
 
 namespace vm {
 
-class ProgressBar;
+class DataEvents;
+class SettingsFile;
 class StatusPanel;
+struct ProgramState;
 
-// The main window "MDIForm1": menus, five toolbars, the two title selectors, the status bar and
-// the progress panel of the folder check. It decides which command opens what and in which state;
-// the views themselves plug in through hooks, and a command stays disabled until its hook is set.
-class MainWindow : public QMainWindow
+// The main window "MDIForm1": menus, five toolbars, the two title selectors, the status bar and the
+// progress panel of the folder check. It decides which command opens what and in which state; the
+// subsystems' windows plug in through its commands (Shell::setCommand), and a command stays disabled
+// until its handler is set.
+class MainWindow : public QMainWindow, public Shell
 {
     Q_OBJECT
 public:
-    // What a command hands over to a view or procedure built elsewhere.
-    enum class Hook {
-        DossierOverview, // shows and fills the dossier overview (or proposes a new title)
-        DossierHistory, // the overview in history mode
-        QuoteBoard, // the quote board, chart panel hidden
-        QuoteBoardDossier, // the quote board restricted to the dossier's titles
-        QuoteGroups, // quote board lists: personal groups
-        QuotePersonal, //                    personal titles
-        QuoteAll, //                    all titles of an archive
-        ArchiveFolders, // the archive folders window
-        ArchiveSearch, // the archive search window
-        NewTitle, // the new-title purchase window
-        RecomputeDossier, // recomputes the overview and records the total
-        PrintDossier, // prints the dossier (after the confirmation)
-        RenameTitle, // renames the selected title (the overview checks the selection)
-        TitleSituation, // situation of the selected title
-        RemoveTitle, // removal of the selected title, with its confirmation
-        PasswordWindow, // sets or changes the dossier password
-        PasswordPrompt, // asks the password, then opens the dossier itself
-        FolderCheck, // the MetaStock folder check
-        Tools, // the tools window
-        Help, // the help viewer
-    };
+    using Hook = Command;
     // Compacts the database; returns an error text to show, or nothing when it worked.
     using Compactor = std::function<std::optional<QString>()>;
 
-    explicit MainWindow(QWidget *parent = nullptr);
+    MainWindow(ProgramState &state, const SettingsFile &settings, DataEvents &events, QWidget *parent = nullptr);
     ~MainWindow() override;
 
-    // The one main window while it exists (windows that belong to it reach it here).
-    static MainWindow *instance();
+    // Shell
+    QWidget *window() override { return this; }
+    void setCommand(Command command, std::function<void()> handler) override;
+    bool hasCommand(Command command) const override;
+    CommandState commandState() const override { return m_commandState; }
+    void setCommandState(const CommandState &state) override;
+    void setCurrentView(const QString &name) override;
+    QMdiSubWindow *addView(QWidget *view) override;
+    void setStatusText(const QString &text, bool ready = false) override;
+    ProgressBar *progressBar() override { return m_progressBar; }
+    void setDossierProtected(bool isProtected) override;
+    void fillTitles(TitleSelector selector, const QStringList &titles) override;
+    void selectTitle(TitleSelector selector, int index) override;
+    int currentTitle(TitleSelector selector) const override;
+    QMenu *popupMenu(PopupMenu menu) override;
+    void openDossier() override { VaiDossierTitoli(); }
 
-    void setHook(Hook hook, std::function<void()> handler);
-    bool hasHook(Hook hook) const;
+    void setHook(Hook hook, std::function<void()> handler) { setCommand(hook, std::move(handler)); }
+    bool hasHook(Hook hook) const { return hasCommand(hook); }
     void setCompactor(Compactor compactor);
 
-    // A view becomes a child window of the frame.
-    QMdiSubWindow *addView(QWidget *view);
     QMdiArea *mdiArea() const { return m_mdiArea; }
-
-    // "Valorimetrico :: [name]" in the caption and the name in the status bar; empty: the bare name.
-    void setCurrentView(const QString &name);
-
-    // Panel 4 image and the status bar's tool tip; also sets DossierProtetto.
-    void setDossierProtected(bool isProtected);
 
     // The folder check's outcome for the data menus and the quote-based toolbar buttons.
     void setArchivesReady(bool ready);
 
-    // Fills a title selector while its tag says "X", so that the change handlers do not react.
-    void fillTitles(QComboBox *combo, const QStringList &titles);
     QComboBox *quoteTitles() const { return m_combo1; } // Combo1
     QComboBox *dossierTitles() const { return m_combo2; } // Combo2
 
     // Progress panel "Picture1" with the label "Label1", the bar "PicStatus" and the list "ListView1".
     QWidget *progressPanel() const { return m_progressPanel; }
     QLabel *progressLabel() const { return m_label1; }
-    ProgressBar *progressBar() const { return m_progressBar; }
     QListWidget *folderList() const { return m_listView1; }
     void showProgressPanel(bool visible);
     void setProgressLabel(const QString &text, bool warning = false);
 
     // Status bar panels 1 to 5 ("Panel1".."Panel5").
     StatusPanel *statusPanel(int number) const;
-    // Panel 1: "Pronto" with the ready image, or another text without it.
-    void setStatusText(const QString &text, bool ready = false);
 
     QToolBar *toolbar(int number) const; // "Toolbar1".."Toolbar5"
     QAction *button(int toolbar, const QString &key) const;
-    // The dossier commands shown and enabled once the overview is open.
-    void showDossierCommands();
 
-    // Pop-up menus used by the dossier list and the history chart.
-    QMenu *titleMenu() const { return m_titleMenu; } // m_cambia_nome
-    QMenu *colourMenu() const { return m_colourMenu; } // m_colori
-    QMenu *historyTypeMenu() const { return m_historyTypeMenu; } // m_s_tipo
-    QMenu *historyColourMenu() const { return m_historyColourMenu; } // m_s_colori
-
-    // Procedures other windows call.
-    void LeggiINI() { }
+    // Procedures of the main window.
     void Centra();
     void VaiDossierTitoli();
     void VaiMS();
     void VerificaDirMS();
-
-Q_SIGNALS:
-    void quoteChartSettingsChanged(); // chart type, grid or colour of the quote board
-    void historyChartSettingsChanged(); // type or colour of the history chart
-    void dossierTitleChosen(int index); // Combo2 changed by the user
-    void quoteTitleChosen(int index); // Combo1 changed by the user
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -127,7 +96,7 @@ private:
     QAction *addCommand(QWidget *owner, const QString &name, const QString &caption, const char *icon = nullptr);
     QComboBox *addTitleSelector(QToolBar *bar, const QString &name, std::function<void(int)> onUserChoice);
     void needs(QAction *action, Hook hook, bool needsArchives = false);
-    void updateCommands();
+    void applyCommandState();
     void buildMenus();
     void buildToolbars();
     void buildStatusBar();
@@ -140,20 +109,18 @@ private:
     void popUpColours(const QString &chart, const QString &element);
     void stepTitle(QComboBox *combo, int step);
     void compactDatabase();
-    void startCalculator();
-    void startCompanion();
-    void openReadme();
-    void showAbout();
 
     struct Requirement {
         Hook hook;
         bool needsArchives;
     };
+    ProgramState &m_state;
+    const SettingsFile &m_settings;
+    DataEvents &m_events;
     QHash<Hook, std::function<void()>> m_hooks;
     QHash<QAction *, Requirement> m_requirements;
-    QHash<QAction *, bool> m_hiddenByLoad;
     Compactor m_compactor;
-    bool m_archivesReady = false; // no folder check has passed yet
+    CommandState m_commandState;
     QString m_colourChart; // "S": the history chart; anything else: the quote board's
     QString m_colourElement; // "D" data, "S" background, "A" axes and text
 

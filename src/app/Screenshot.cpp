@@ -1,6 +1,6 @@
 #include "app/Screenshot.h"
 
-#include "auxiliary/Form135.h"
+#include "auxiliary/SplashWindow.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -20,7 +20,7 @@ void saveScreenshotWhenSettled(QWidget *window, const QString &file, int maxWait
     started->start();
     QObject::connect(
         poll, &QTimer::timeout, qApp, [poll, started, target = QPointer<QWidget>(window), file, maxWaitMs] {
-            const bool settled = !aux::Form135::instance() && !QApplication::activeModalWidget();
+            const bool settled = !aux::SplashWindow::instance() && !QApplication::activeModalWidget();
             if (!settled && started->elapsed() < maxWaitMs)
                 return;
             poll->stop();

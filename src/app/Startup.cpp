@@ -1,11 +1,12 @@
 #include "app/Startup.h"
 
 #include "app/MainWindow.h"
-#include "app/MessageBox.h"
-#include "app/ProgramState.h"
-#include "app/Settings.h"
-#include "app/Views.h"
-#include "auxiliary/Form135.h"
+#include "app/WindowRegistry.h"
+#include "auxiliary/SplashWindow.h"
+#include "core/ProgramFolder.h"
+#include "core/ProgramInfo.h"
+#include "gui/MessageBox.h"
+#include "gui/WindowContext.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -29,10 +30,8 @@ Startup::Startup(StartupEnvironment environment)
 
 Startup::~Startup()
 {
-    if (state().DbDossier == &m_database)
-        state().DbDossier = nullptr;
     // A splash loaded before the main window existed has no owner to go with.
-    if (aux::Form135 *splash = aux::Form135::instance(); splash && !splash->parent())
+    if (aux::SplashWindow *splash = aux::SplashWindow::instance(); splash && !splash->parent())
         delete splash;
 }
 
@@ -47,14 +46,6 @@ bool Startup::regionalSettingsItalian(const QLocale &locale)
     return text.size() > 1 && text.at(1) == QLatin1Char(',');
 }
 
-QString Startup::errorText(const store::StoreError &error)
-{
-    QString text = QStringLiteral("Errore ") + QString::number(error.number);
-    if (!error.message.isEmpty() && error.message != text)
-        text += QLatin1Char('\n') + error.message;
-    return text;
-}
-
 bool Startup::fail(const QString &text, const QString &title)
 {
     restorePointer();
@@ -65,19 +56,23 @@ bool Startup::fail(const QString &text, const QString &title)
 
 void Startup::showMainWindow()
 {
-    state().DossierProtetto = m_database.isDossierProtected();
-    m_mainWindow = std::make_unique<MainWindow>();
+    m_state.DossierProtetto = m_database.isDossierProtected();
+    m_mainWindow = std::make_unique<MainWindow>(m_state, m_settings, m_events);
     m_mainWindow->setCompactor([this]() -> std::optional<QString> {
         const store::StoreError error = m_database.compact();
-        return error.failed() ? std::optional<QString>(errorText(error)) : std::nullopt;
+        return error.failed() ? std::optional<QString>(errorText(error.number, error.message)) : std::nullopt;
     });
+    const WindowContext context { *m_mainWindow, m_database, m_settings, m_state, m_events };
     if (m_env.prepareMainWindow)
-        m_env.prepareMainWindow(*m_mainWindow, m_database);
+        m_env.prepareMainWindow(*m_mainWindow, context);
     else
-        installViews(*m_mainWindow, m_database);
+        registerWindows(*m_mainWindow, context);
     // A splash loaded earlier becomes an owned window of the frame, so that it stays above it.
-    if (aux::Form135 *splash = aux::Form135::instance(); splash && !splash->parent())
-        splash->setParent(m_mainWindow.get(), splash->windowFlags());
+    if (aux::SplashWindow *splash = aux::SplashWindow::instance()) {
+        if (!splash->parent())
+            splash->setParent(m_mainWindow.get(), splash->windowFlags());
+        splash->attach(m_mainWindow.get(), [window = m_mainWindow.get()] { window->VerificaDirMS(); });
+    }
     m_mainWindow->show();
     QApplication::processEvents();
 }
@@ -97,8 +92,9 @@ bool Startup::Main()
     }
 
     // 2. Database present.
-    setProgramFolder(m_env.programFolder);
-    const QString database = programFile(QString::fromLatin1(store::kDatabaseFileName));
+    m_state.setProgramFolder(m_env.programFolder);
+    m_settings.setPath(m_state.file(QString::fromLatin1(kSettingsFileName)));
+    const QString database = m_state.file(QString::fromLatin1(kDatabaseFileName));
     if (!QFileInfo(database).isFile()) {
         restorePointer();
         ui::beep();
@@ -109,21 +105,20 @@ bool Startup::Main()
     }
 
     // 3. Settings file: without one the splash is loaded hidden, and every setting keeps its default.
-    if (!QFileInfo::exists(state().FileIni))
-        aux::Form135::load()->setTag(QString());
+    if (!QFileInfo::exists(m_settings.path()))
+        aux::SplashWindow::load(m_settings, nullptr)->setTag(QString());
 
     // 4-5. From the database open on, a failure is reported with its number.
     const store::OpenResult opening = m_database.open(database);
     if (opening.outcome == store::OpenOutcome::AccessDenied)
         return fail(QString::fromUtf8(store::kAccessDeniedMessage), QString::fromUtf8(store::kAccessDeniedTitle));
     if (!opening.ok())
-        return fail(errorText(opening.error));
-    state().DbDossier = &m_database;
+        return fail(errorText(opening.error.number, opening.error.message));
 
     // 6. Splash setting.
-    const Converted<bool> splash = readSplash(state().FileIni);
+    const Converted<bool> splash = m_settings.splash();
     if (!splash.ok())
-        return fail(QStringLiteral("Errore ") + QString::number(splash.error));
+        return fail(errorText(splash.error));
 
     // 7. Main window, with or without the splash; the folder check runs now or when the splash closes.
     if (!splash.value) {
@@ -131,12 +126,12 @@ bool Startup::Main()
         m_mainWindow->showProgressPanel(true);
         m_mainWindow->VerificaDirMS();
     } else {
-        aux::Form135 *form = aux::Form135::load();
+        aux::SplashWindow *form = aux::SplashWindow::load(m_settings, nullptr);
         QApplication::processEvents();
         showMainWindow();
         form->setTag(QStringLiteral("X"));
         form->show();
-        form->findChild<QCheckBox *>(QStringLiteral("Check1"))->setChecked(true);
+        form->setShowAtStartup(true);
     }
 
     // 8. Regional settings: numbers typed and shown as text expect the decimal comma.

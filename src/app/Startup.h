@@ -7,20 +7,23 @@
 #include <memory>
 #include <optional>
 
+#include "core/ProgramState.h"
+#include "core/Settings.h"
+#include "gui/DataEvents.h"
 #include "store/Database.h"
 
 namespace vm {
 
 class MainWindow;
+struct WindowContext;
 
 // What the start-up reads from the world, so that tests can set each part of it.
 struct StartupEnvironment {
     int screenWidth = 1024; // logical pixels
     QString programFolder; // holds the database, the settings file and the reports
     QLocale systemLocale = QLocale::system();
-    // Plugs the views, the folder check and the password windows into the new main window,
-    // before it is shown; installViews() when not set.
-    std::function<void(MainWindow &, store::Database &)> prepareMainWindow;
+    // Plugs the windows into the new main window, before it is shown; registerWindows() when not set.
+    std::function<void(MainWindow &, const WindowContext &)> prepareMainWindow;
 };
 
 // The start-up sequence "Main": checks the screen and the database, opens it, shows the splash
@@ -36,6 +39,8 @@ public:
     bool Main();
 
     MainWindow *mainWindow() const { return m_mainWindow.get(); }
+    ProgramState &state() { return m_state; }
+    store::Database &database() { return m_database; }
 
     // The individual rules, for the steps and their tests.
     static bool screenWidthAccepted(int widthPx); // every width but 640 and 480
@@ -44,9 +49,10 @@ public:
 private:
     bool fail(const QString &text, const QString &title = {});
     void showMainWindow();
-    static QString errorText(const store::StoreError &error);
-
     StartupEnvironment m_env;
+    ProgramState m_state;
+    SettingsFile m_settings; // FileIni
+    DataEvents m_events;
     store::Database m_database; // DbDossier
     std::unique_ptr<MainWindow> m_mainWindow;
 };

@@ -1,7 +1,7 @@
 #include "dossier/Valuation.h"
 
-#include "app/AppInfo.h"
-#include "app/Format.h"
+#include "core/Format.h"
+#include "core/ProgramInfo.h"
 #include "metastock/Master.h"
 #include "metastock/Prezzi.h"
 
@@ -16,18 +16,6 @@ namespace {
 using metastock::CartellaMS;
 using metastock::RecordMaster;
 
-// Symbols are compared with their blanks trimmed, letter case counting.
-QString senzaSpazi(QStringView testo)
-{
-    qsizetype inizio = 0;
-    qsizetype fine = testo.size();
-    while (inizio < fine && testo.at(inizio) == u' ')
-        ++inizio;
-    while (fine > inizio && testo.at(fine - 1) == u' ')
-        --fine;
-    return testo.sliced(inizio, fine - inizio).toString();
-}
-
 double valoreTesto(const QString &testo)
 {
     return parseNumber(testo).value_or(0.0);
@@ -40,37 +28,13 @@ class Archivi
 public:
     explicit Archivi(const QStringList &cartelle)
         : m_archivio(cartelle)
-        , m_indici(cartelle.size())
     { }
 
     RigaDossier TrovaTicker(const store::DossierRow &titolo, QList<Avviso> &avvisi);
 
 private:
-    struct Indice {
-        bool pronto = false;
-        QHash<QString, const RecordMaster *> simboli; // the first record of each trimmed symbol
-    };
-
-    const QHash<QString, const RecordMaster *> &simboli(int i, const CartellaMS &cartella);
-
     metastock::ArchivioMS m_archivio;
-    std::vector<Indice> m_indici;
 };
-
-const QHash<QString, const RecordMaster *> &Archivi::simboli(int i, const CartellaMS &cartella)
-{
-    Indice &indice = m_indici[i];
-    if (indice.pronto)
-        return indice.simboli;
-    indice.pronto = true;
-    // Every title of the folder counts, those that XMASTER lists beyond MASTER's 255 included, so that
-    // the valuation finds what the archive listings show.
-    for (const RecordMaster &t : cartella.titoli) {
-        if (!indice.simboli.contains(t.simbolo))
-            indice.simboli.insert(t.simbolo, &t);
-    }
-    return indice.simboli;
-}
 
 RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> &avvisi)
 {
@@ -84,7 +48,6 @@ RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> 
     riga.acquisto = titolo.prezzo * qta;
     riga.testoAcquisto = formatPattern(riga.acquisto, kFormatoValore);
 
-    const QString cercato = senzaSpazi(titolo.titolo);
     const RecordMaster *trovato = nullptr;
     const CartellaMS *cartella = nullptr;
     for (int i = 0; i < m_archivio.cartelle().size() && !trovato; ++i) {
@@ -94,7 +57,7 @@ RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> 
                 QStringLiteral("Errore su lettura ") + c.percorso, Avviso::Icona::Critica, false });
             break;
         }
-        trovato = simboli(i, c).value(cercato);
+        trovato = c.trovaSimbolo(titolo.titolo);
         cartella = &c;
     }
 

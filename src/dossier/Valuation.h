@@ -4,6 +4,7 @@
 // last close, with the texts the overview shows and the four totals. Plain logic: the overview window,
 // the history and the command-line report all show what PreparaDati returns.
 
+#include "core/Progress.h"
 #include "store/Records.h"
 
 #include <QDate>
@@ -96,7 +97,7 @@ struct Valutazione {
 };
 
 // Called after each title with the titles done and their number, for the progress bar.
-using Avanzamento = std::function<void(int fatti, int totale)>;
+using Avanzamento = Progress; // after each title
 
 // Values the dossier rows against the folders, in the order of table `directory`. Each folder's
 // directory is read at most once, when the first title that needs it is looked up, and of each title

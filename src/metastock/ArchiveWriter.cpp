@@ -1,11 +1,12 @@
 #include "metastock/ArchiveWriter.h"
 
+#include "core/AtomicFile.h"
+
+#include "core/Testo1252.h"
 #include "metastock/Master.h"
 #include "metastock/Mbf.h"
-#include "metastock/Testo1252.h"
 
 #include <QDir>
-#include <QSaveFile>
 #include <QtEndian>
 
 namespace vm::metastock {
@@ -142,11 +143,11 @@ QByteArray datiPrezziArchivio(const QList<QuotaMS> &quote, int campi)
 
 bool scriviFile(const QString &percorso, const QByteArray &dati, QString *errore)
 {
-    QSaveFile f(percorso);
-    if (f.open(QIODevice::WriteOnly) && f.write(dati) == dati.size() && f.commit())
+    QString motivo;
+    if (writeFileAtomically(percorso, dati, &motivo))
         return true;
     if (errore)
-        *errore = QStringLiteral("Impossibile scrivere il file ") + percorso + QStringLiteral(": ") + f.errorString();
+        *errore = QStringLiteral("Impossibile scrivere il file ") + percorso + QStringLiteral(": ") + motivo;
     return false;
 }
 

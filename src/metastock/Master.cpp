@@ -1,7 +1,9 @@
 #include "metastock/Master.h"
 
+#include "core/AtomicFile.h"
+
+#include "core/Testo1252.h"
 #include "metastock/Mbf.h"
-#include "metastock/Testo1252.h"
 
 #include <QDir>
 #include <QFile>
@@ -54,29 +56,6 @@ QByteArray leggiTutto(const QString &percorso, qint64 massimo, bool *ok)
     QFile f(percorso);
     *ok = f.open(QIODevice::ReadOnly);
     return *ok ? f.read(massimo) : QByteArray();
-}
-
-bool scriviDurevole(const QString &percorso, const QByteArray &dati, QString *errore)
-{
-    QFile f(percorso);
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(dati) != dati.size() || !f.flush()
-        || ::fsync(f.handle()) != 0) {
-        *errore = f.errorString();
-        f.close();
-        QFile::remove(percorso);
-        return false;
-    }
-    f.close();
-    return true;
-}
-
-void sincronizzaCartella(const QString &cartella)
-{
-    const int fd = ::open(QFile::encodeName(cartella).constData(), O_RDONLY | O_DIRECTORY);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
 }
 
 } // namespace
@@ -205,12 +184,20 @@ CartellaMS CartellaMS::leggi(const QString &percorso)
 
 const RecordMaster *CartellaMS::trovaSimbolo(QStringView simbolo) const
 {
-    const QStringView cercato = simbolo.trimmed();
-    for (const RecordMaster &t : titoli) {
-        if (t.simbolo == cercato)
-            return &t;
+    if (indiceSimboli.isEmpty() && !titoli.isEmpty()) {
+        indiceSimboli.reserve(titoli.size());
+        for (qsizetype i = titoli.size() - 1; i >= 0; --i)
+            indiceSimboli.insert(titoli.at(i).simbolo, i); // backwards: the first title in order stays
     }
-    return nullptr;
+    const auto bordo = [](QChar c) { return c == u' ' || c == u'\0'; };
+    qsizetype inizio = 0;
+    qsizetype fine = simbolo.size();
+    while (inizio < fine && bordo(simbolo.at(inizio)))
+        ++inizio;
+    while (fine > inizio && bordo(simbolo.at(fine - 1)))
+        --fine;
+    const auto it = indiceSimboli.constFind(simbolo.sliced(inizio, fine - inizio).toString());
+    return it == indiceSimboli.cend() ? nullptr : &titoli.at(*it);
 }
 
 QString CartellaMS::trovaFile(const QString &nome) const
@@ -350,22 +337,12 @@ EsitoEliminazione ArchivioMS::EliminaTitolo(QStringView simbolo)
         nuovo[0] = char(copiati & 0xFF);
         nuovo[1] = char(copiati >> 8);
 
-        const QString temporaneo = QDir(c.percorso).filePath(QStringLiteral("MSMASTER"));
         const QString master = c.percorsoMaster;
-        const QString percorso = c.percorso;
         m_lette.at(i).reset(); // whatever happens next, the folder is read again on next use
-        if (!scriviDurevole(temporaneo, nuovo, &esito.errore)) {
+        if (!writeFileAtomically(master, nuovo, &esito.errore)) {
             esito.stato = EsitoEliminazione::Stato::ErroreScrittura;
             return esito;
         }
-        // rename(2) replaces MASTER in one step: no moment exists without a whole directory file.
-        if (std::rename(QFile::encodeName(temporaneo).constData(), QFile::encodeName(master).constData()) != 0) {
-            esito.errore = QString::fromLocal8Bit(std::strerror(errno));
-            QFile::remove(temporaneo);
-            esito.stato = EsitoEliminazione::Stato::ErroreScrittura;
-            return esito;
-        }
-        sincronizzaCartella(percorso);
         esito.stato = EsitoEliminazione::Stato::Rimosso;
         return esito;
     }

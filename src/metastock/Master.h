@@ -1,8 +1,10 @@
 #pragma once
 
+#include "core/Progress.h"
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QDate>
+
 #include <QHash>
 #include <QList>
 #include <QString>
@@ -68,12 +70,15 @@ struct CartellaMS {
     QString marchio; // mark of the first MASTER title record; empty when MASTER has none
     QList<RecordMaster> titoli; // MASTER titles in file order, then those of XMASTER
     QHash<QString, QString> fileMinuscoli; // lower-case name -> name as it stands
+    mutable QHash<QString, qsizetype> indiceSimboli; // symbol -> first title holding it; built on first use
 
     static CartellaMS leggi(const QString &percorso);
 
     bool haMaster() const { return !percorsoMaster.isEmpty(); }
     bool leggibile() const { return stato == Stato::Letta; }
-    // Symbol lookup within the folder: trimmed, case counts, first in order wins.
+    // The one symbol lookup of the program: the symbol sought is trimmed of blanks and NULs at both ends,
+    // as the records' symbols are, letter case counts, the first title in order (MASTER, then XMASTER)
+    // wins. The folder's symbols are indexed on the first lookup.
     const RecordMaster *trovaSimbolo(QStringView simbolo) const;
     // A file of the folder whatever its letter case; empty when there is none.
     QString trovaFile(const QString &nome) const;
@@ -126,7 +131,7 @@ public:
     // Every title, over all folders, whose trimmed name begins with the letter, compared in upper
     // case. Missing folders are skipped and listed in cartelleMancanti. The progress function is
     // called with the record number reached and the folder's count + 1.
-    using Avanzamento = std::function<void(int record, int totale)>;
+    using Avanzamento = Progress;
     QList<TitoloInCartella> CercaMS(
         QChar lettera, QStringList *cartelleMancanti = nullptr, const Avanzamento &avanzamento = {});
 

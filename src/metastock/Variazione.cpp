@@ -1,6 +1,6 @@
 #include "metastock/Variazione.h"
 
-#include "app/Format.h"
+#include "core/Format.h"
 
 namespace vm::metastock {
 

@@ -3,6 +3,8 @@
 #include "store/Internal.h"
 #include "store/Schema.h"
 
+#include "core/ProgramInfo.h"
+
 #include <QAtomicInteger>
 #include <QDir>
 #include <QFile>
@@ -13,6 +15,7 @@
 
 #include <cstdio>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace vm::store {
@@ -78,7 +81,7 @@ QString messageFor(int number)
     case ErrDuplicateKey:
         return QStringLiteral("Il valore è già presente in archivio.");
     default:
-        return QStringLiteral("Errore %1").arg(number);
+        return errorText(number);
     }
 }
 
@@ -328,6 +331,18 @@ StoreError Database::create(const QString &path, const QString &password)
     return {};
 }
 
+QString readFailure(const QString &what, const StoreError &error)
+{
+    return QStringLiteral("Impossibile leggere ") + what + QStringLiteral(" dall'archivio dati.\n")
+        + errorText(error.number, error.message);
+}
+
+QString Database::createIfMissing(const QString &path)
+{
+    const StoreError created = create(path);
+    return created.failed() && created.number != ErrAlreadyExists ? created.message : QString();
+}
+
 // Takes the exclusive lock, checks the file's health and identity and brings its schema up to date; on failure
 // m_error says why and nothing has been written.
 OpenOutcome Database::lockAndCheck(const QString &password, int fileVersion)
@@ -382,7 +397,11 @@ OpenResult Database::open(const QString &path, const QString &password)
     const std::optional<Header> header = readHeader(path);
     if (!header)
         return result(OpenOutcome::Failed, ErrReadOnly, QStringLiteral("%1 non leggibile").arg(path));
-    if (!header->sqlite || header->applicationId != static_cast<quint32>(kApplicationId))
+    // A file that is not an SQLite database at all (random bytes, nothing) is damaged; a database of
+    // another program is refused as the wrong password would be.
+    if (!header->sqlite)
+        return result(OpenOutcome::Failed, ErrDamaged, QStringLiteral("%1 non è un archivio valido").arg(path));
+    if (header->applicationId != static_cast<quint32>(kApplicationId))
         return result(OpenOutcome::AccessDenied, ErrAccessDenied, QStringLiteral("non è un archivio di Valorimetrico"));
     if (header->userVersion > kSchemaVersion)
         return result(OpenOutcome::Failed, ErrNewerVersion,
@@ -436,6 +455,16 @@ StoreError Database::compact()
             QFile::remove(temp);
             return m_error = error;
         }
+    }
+    // The copy is made under the umask; it takes the original's permissions, since the database holds the
+    // dossier password and is private to its owner.
+    struct stat originalMode {
+    };
+    if (::stat(QFile::encodeName(original).constData(), &originalMode) != 0
+        || ::chmod(QFile::encodeName(temp).constData(), originalMode.st_mode & 07777) != 0) {
+        QFile::remove(temp);
+        fail(ErrEngine, QStringLiteral("impossibile impostare i permessi di %1").arg(temp));
+        return m_error;
     }
     // The copy replaces the original in one rename, made while the original is still held, so that no other
     // copy of the program slips in between and no moment exists without a complete database under the name.

@@ -14,9 +14,11 @@
 //   3051  the file cannot be opened for writing (permissions, read-only medium)
 //   3204  the database to create already exists
 //   3343  the file was written by a newer version of the program
+//   3426  a change that the caller's rule refused, once it saw the row as stored
 //   3356  the file is open in another copy of the program
 //   3000  any other failure of the engine (disk full, I/O error, ...)
 
+#include "core/ProgramFolder.h"
 #include "store/Records.h"
 
 #include <QList>
@@ -31,8 +33,8 @@ class QSqlQuery;
 
 namespace vm::store {
 
-inline constexpr auto kDatabaseFileName = "valorimetrico.mdb";
-inline constexpr auto kCompactionFileName = "temp.mdb";
+using vm::kCompactionFileName;
+using vm::kDatabaseFileName;
 // The program's own database password: a constant, kept in the file as an identity check.
 inline constexpr auto kDatabasePassword = "KT7XPW52!#R4%qe";
 // PRAGMA application_id of every file of this program ("VALO").
@@ -50,6 +52,7 @@ enum ErrorNumber : int {
     ErrDamaged = 3049,
     ErrReadOnly = 3051,
     ErrAlreadyExists = 3204,
+    ErrCancelled = 3426, // the caller's rule refused the change
     ErrNewerVersion = 3343,
     ErrLocked = 3356,
 };
@@ -103,6 +106,9 @@ public:
     // Creates an empty database at path, with its tables and indexes. Refuses (ErrAlreadyExists) to overwrite a
     // file; the new file appears complete or not at all. Does not leave it open.
     static StoreError create(const QString &path, const QString &password = QString::fromLatin1(kDatabasePassword));
+    // create() for the program folder's first start: the reason it failed, or an empty text when the database
+    // is there (made now, or by someone else meanwhile). Fits ProgramFolder::prepare.
+    static QString createIfMissing(const QString &path);
 
     // Opens an existing database, exclusively, checking its identity and migrating an older schema. A foreign,
     // damaged or newer file is never written to. Closes any database this object had open first.
@@ -120,32 +126,41 @@ public:
     // functions below that change several tables may be called inside; a failure of one undoes the whole work.
     bool transaction(const std::function<bool()> &work);
 
-    // The failure of the last call (number ErrNone when it succeeded). Reads that fail return empty results.
+    // The failure of the last call (number ErrNone when it succeeded). A read that fails returns no value
+    // (std::nullopt), never an empty list; a lookup's nullopt is "not there" when lastError() has no number.
     const StoreError &lastError() const { return m_error; }
 
     // --- dossier ---
-    QList<DossierRow> dossierRows(); // storage order
+    std::optional<QList<DossierRow>> dossierRows(); // storage order
     std::optional<DossierRow> findTitleBySymbol(const QString &titolo); // index "PrimaryKey"
     std::optional<DossierRow> findTitleById(qint64 idTitolo); // index "IDTitolo"
     std::optional<qint64> insertTitle(const DossierRow &row); // the new IDTitolo
     bool updateTitle(const DossierRow &row); // every field but the counter; ErrNoRecord when the title is gone
-    qint64 countTitles();
+    std::optional<qint64> countTitles();
     // Deletes the title and all its operations.
     bool deleteTitle(qint64 idTitolo);
+    // Changes a title's row as `change` says, handed the row as stored now inside the same transaction, so
+    // that two windows holding the same title cannot undo each other's work. `change` returning false
+    // abandons (ErrCancelled); ErrNoRecord when the title is gone.
+    bool changeTitle(qint64 idTitolo, const std::function<bool(DossierRow &row)> &change);
+    // The last dividend; an invalid date and 0 clear it (DataStacco NULL, Dividendo 0).
+    bool setDividend(qint64 idTitolo, const QDate &dataStacco, double dividendo);
 
     // --- purchases and sales: the dossier row and the operation row together or not at all ---
     // A new title: inserts the row, then the operation with IDDossier set to the new counter. Refused with
     // ErrDuplicateKey when the symbol is already held.
     std::optional<qint64> recordPurchase(const DossierRow &title, const Operazione &operation);
-    // A further purchase, or a sale that leaves shares: updates the title's row and appends the operation.
-    bool recordOperation(const DossierRow &updatedTitle, const Operazione &operation);
-    // A sale of every share: deletes the title's row (its operations stay) and appends the operation.
-    bool recordSaleOfAll(qint64 idTitolo, const Operazione &operation);
+    // A further purchase or a sale: `apply` is handed the title's row as stored now and changes it, or sets
+    // removeTitle (a sale of every share: the row goes, its operations stay), or returns false to refuse
+    // (ErrCancelled). The operation is appended with the title's counter either way. ErrNoRecord when the
+    // title is gone.
+    using ApplyOperation = std::function<bool(DossierRow &row, bool &removeTitle)>;
+    bool recordOperation(qint64 idTitolo, const Operazione &operation, const ApplyOperation &apply);
 
     // --- Operazioni ---
-    QList<Operazione> operationsOfTitle(qint64 idDossier); // storage order
+    std::optional<QList<Operazione>> operationsOfTitle(qint64 idDossier); // storage order
     // Operations whose tipo matches pattern ("*" any text, "?" one character, case ignored), by date.
-    QList<Operazione> operationsOfKind(qint64 idDossier, const QString &pattern);
+    std::optional<QList<Operazione>> operationsOfKind(qint64 idDossier, const QString &pattern);
     // Deletes one operation; when none is left deletes the title too, otherwise rewrites the title's row with
     // recompute (if given). All in one transaction.
     DeleteOperationResult deleteOperation(
@@ -156,22 +171,25 @@ public:
     // The first row whose attuale equals the value to the cent (index "quota").
     std::optional<StoricoRow> findStoricoByAttuale(double attuale);
     // Rows with first <= data <= last, by date.
-    QList<StoricoRow> storicoInPeriod(const QDate &first, const QDate &last);
-    QList<StoricoRow> storicoRows(); // every row, by date
+    std::optional<QList<StoricoRow>> storicoInPeriod(const QDate &first, const QDate &last);
+    std::optional<QList<StoricoRow>> storicoRows(); // every row, by date
     bool deleteStorico(qint64 id);
 
     // --- Gruppi ---
-    QStringList groups(); // group names, sorted
-    QList<GruppoRow> titlesOfGroup(const QString &gruppo); // storage order
+    std::optional<QStringList> groups(); // group names, sorted
+    std::optional<QList<GruppoRow>> titlesOfGroup(const QString &gruppo); // storage order
     bool groupExists(const QString &gruppo);
     GroupAdd addToGroup(const GruppoRow &row); // unless (gruppo, titolo) is already there
+    // Adds the titles to the group (created by its first title) in one transaction, skipping those already
+    // in it; the number added.
+    std::optional<int> addGroup(const QString &gruppo, const QList<GruppoRow> &titles);
     bool removeFromGroup(const QString &gruppo, const QString &titolo);
     bool deleteGroup(const QString &gruppo);
-    QList<GruppoSize> groupSizes(); // sorted by name
-    QStringList symbolsOfGroup(const QString &gruppo); // storage order
+    std::optional<QList<GruppoSize>> groupSizes(); // sorted by name
+    std::optional<QStringList> symbolsOfGroup(const QString &gruppo); // storage order
 
     // --- directory: the MetaStock folders ---
-    QStringList folders(); // table order
+    std::optional<QStringList> folders(); // table order
     bool replaceFolders(const QStringList &paths);
 
     // --- PASSW ---
@@ -185,9 +203,9 @@ public:
 
     // --- rename: the title's row, its operations and giornata together ---
     // Sets Titolo and descrizione of the title, titolo/ticker of its operations, and tiker/titolo of the rows of
-    // giornata that hold oldSymbol. A symbol held by another title fails with ErrDuplicateKey, a title that is gone
-    // with ErrNoRecord, changing nothing.
-    bool renameTitle(qint64 idTitolo, const QString &newSymbol, const QString &newName, const QString &oldSymbol);
+    // giornata that hold the title's symbol as stored when the change begins. A symbol held by another title
+    // fails with ErrDuplicateKey, a title that is gone with ErrNoRecord, changing nothing.
+    bool renameTitle(qint64 idTitolo, const QString &newSymbol, const QString &newName);
 
 private:
     friend class Transaction;
@@ -199,6 +217,8 @@ private:
     bool exec(QSqlQuery &query, const QString &sql, const QVariantList &values = {});
     bool fail(int number, const QString &detail);
     bool appendOperation(const Operazione &operation, qint64 idDossier);
+    // The title's row, read inside the caller's transaction; ErrNoRecord when it is gone.
+    std::optional<DossierRow> heldTitle(qint64 idTitolo);
     bool ready(); // open, with the last error cleared
     bool checkIntegrity();
     OpenOutcome lockAndCheck(const QString &password, int fileVersion);
@@ -210,5 +230,11 @@ private:
     StoreError m_error;
     int m_depth = 0; // open transactions: the outermost real, the others savepoints
 };
+
+// What the user is told when a read fails: "Impossibile leggere " + what + " dall'archivio dati." and the
+// error's number and explanation on the lines below.
+QString readFailure(const QString &what, const StoreError &error);
+inline constexpr auto kWhatFolders = "l'elenco delle cartelle MetaStock";
+inline constexpr auto kWhatDossier = "il dossier titoli";
 
 } // namespace vm::store

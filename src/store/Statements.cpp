@@ -78,7 +78,7 @@ qint64 cents(double value)
     return std::llround(value * 100.0);
 }
 
-template<typename Row, typename Reader> QList<Row> readAll(QSqlQuery &query, Reader reader)
+template<typename Row, typename Reader> std::optional<QList<Row>> readAll(QSqlQuery &query, Reader reader)
 {
     QList<Row> rows;
     while (query.next())
@@ -86,7 +86,7 @@ template<typename Row, typename Reader> QList<Row> readAll(QSqlQuery &query, Rea
     return rows;
 }
 
-QStringList readStrings(QSqlQuery &query)
+std::optional<QStringList> readStrings(QSqlQuery &query)
 {
     QStringList values;
     while (query.next())
@@ -98,11 +98,11 @@ QStringList readStrings(QSqlQuery &query)
 
 // --- dossier ---
 
-QList<DossierRow> Database::dossierRows()
+std::optional<QList<DossierRow>> Database::dossierRows()
 {
     QSqlQuery q(m_db);
     if (!ready() || !exec(q, QStringLiteral("SELECT %1 FROM dossier ORDER BY IDTitolo").arg(kDossierColumns)))
-        return {};
+        return std::nullopt;
     return readAll<DossierRow>(q, readDossier);
 }
 
@@ -151,11 +151,11 @@ bool Database::updateTitle(const DossierRow &row)
     return q.numRowsAffected() > 0 || fail(ErrNoRecord, QStringLiteral("titolo %1 non in dossier").arg(row.idTitolo));
 }
 
-qint64 Database::countTitles()
+std::optional<qint64> Database::countTitles()
 {
     QSqlQuery q(m_db);
     if (!ready() || !exec(q, QStringLiteral("SELECT Count(IDTitolo) AS ConteggioDiIDTitolo FROM dossier")) || !q.next())
-        return 0;
+        return std::nullopt;
     return q.value(0).toLongLong();
 }
 
@@ -167,6 +167,41 @@ bool Database::deleteTitle(qint64 idTitolo)
     QSqlQuery q(m_db);
     return t.active() && exec(q, QStringLiteral("DELETE FROM dossier WHERE IDTitolo = ?"), { idTitolo })
         && exec(q, QStringLiteral("DELETE FROM Operazioni WHERE IDDossier = ?"), { idTitolo }) && t.commit();
+}
+
+std::optional<DossierRow> Database::heldTitle(qint64 idTitolo)
+{
+    std::optional<DossierRow> row = findTitleById(idTitolo);
+    if (!row && !m_error.failed())
+        fail(ErrNoRecord, QStringLiteral("titolo %1 non in dossier").arg(idTitolo));
+    return row;
+}
+
+bool Database::changeTitle(qint64 idTitolo, const std::function<bool(DossierRow &row)> &change)
+{
+    if (!ready())
+        return false;
+    Transaction t(*this);
+    if (!t.active())
+        return false;
+    std::optional<DossierRow> row = heldTitle(idTitolo);
+    if (!row)
+        return false;
+    if (!change(*row))
+        return fail(ErrCancelled, QStringLiteral("modifica rifiutata sul titolo %1").arg(idTitolo));
+    row->idTitolo = idTitolo;
+    return updateTitle(*row) && t.commit();
+}
+
+bool Database::setDividend(qint64 idTitolo, const QDate &dataStacco, double dividendo)
+{
+    QSqlQuery q(m_db);
+    const bool clear = !dataStacco.isValid() || dividendo == 0;
+    if (!ready()
+        || !exec(q, QStringLiteral("UPDATE dossier SET DataStacco = ?, Dividendo = ? WHERE IDTitolo = ?"),
+            { dateValue(clear ? QDate() : dataStacco), clear ? 0.0 : dividendo, idTitolo }))
+        return false;
+    return q.numRowsAffected() > 0 || fail(ErrNoRecord, QStringLiteral("titolo %1 non in dossier").arg(idTitolo));
 }
 
 // --- purchases and sales ---
@@ -184,22 +219,24 @@ std::optional<qint64> Database::recordPurchase(const DossierRow &title, const Op
     return id;
 }
 
-bool Database::recordOperation(const DossierRow &updatedTitle, const Operazione &operation)
+bool Database::recordOperation(qint64 idTitolo, const Operazione &operation, const ApplyOperation &apply)
 {
     if (!ready())
         return false;
     Transaction t(*this);
-    return t.active() && updateTitle(updatedTitle) && appendOperation(operation, updatedTitle.idTitolo) && t.commit();
-}
-
-bool Database::recordSaleOfAll(qint64 idTitolo, const Operazione &operation)
-{
-    if (!ready())
+    if (!t.active())
         return false;
-    Transaction t(*this);
+    std::optional<DossierRow> row = heldTitle(idTitolo);
+    if (!row)
+        return false;
+    bool removeTitle = false;
+    if (!apply(*row, removeTitle))
+        return fail(ErrCancelled, QStringLiteral("operazione rifiutata sul titolo %1").arg(idTitolo));
     QSqlQuery q(m_db);
-    return t.active() && exec(q, QStringLiteral("DELETE FROM dossier WHERE IDTitolo = ?"), { idTitolo })
-        && appendOperation(operation, idTitolo) && t.commit();
+    const bool titleWritten = removeTitle
+        ? exec(q, QStringLiteral("DELETE FROM dossier WHERE IDTitolo = ?"), { idTitolo })
+        : (row->idTitolo = idTitolo, updateTitle(*row));
+    return titleWritten && appendOperation(operation, idTitolo) && t.commit();
 }
 
 // --- Operazioni ---
@@ -213,7 +250,7 @@ bool Database::appendOperation(const Operazione &operation, qint64 idDossier)
         operazioneValues(operation, idDossier));
 }
 
-QList<Operazione> Database::operationsOfTitle(qint64 idDossier)
+std::optional<QList<Operazione>> Database::operationsOfTitle(qint64 idDossier)
 {
     QSqlQuery q(m_db);
     if (!ready()
@@ -221,11 +258,11 @@ QList<Operazione> Database::operationsOfTitle(qint64 idDossier)
             QStringLiteral("SELECT %1 FROM Operazioni WHERE IDDossier = ? ORDER BY IDArchivioDossier")
                 .arg(kOperazioneColumns),
             { idDossier }))
-        return {};
+        return std::nullopt;
     return readAll<Operazione>(q, readOperazione);
 }
 
-QList<Operazione> Database::operationsOfKind(qint64 idDossier, const QString &pattern)
+std::optional<QList<Operazione>> Database::operationsOfKind(qint64 idDossier, const QString &pattern)
 {
     QSqlQuery q(m_db);
     if (!ready()
@@ -234,7 +271,7 @@ QList<Operazione> Database::operationsOfKind(qint64 idDossier, const QString &pa
                            " ORDER BY data, IDArchivioDossier")
                 .arg(kOperazioneColumns),
             { likePattern(pattern), idDossier }))
-        return {};
+        return std::nullopt;
     return readAll<Operazione>(q, readOperazione);
 }
 
@@ -249,9 +286,10 @@ DeleteOperationResult Database::deleteOperation(
     if (!t.active()
         || !exec(q, QStringLiteral("DELETE FROM Operazioni WHERE IDArchivioDossier = ?"), { idArchivioDossier }))
         return result;
-    result.remaining = operationsOfTitle(idDossier);
-    if (m_error.failed())
+    const std::optional<QList<Operazione>> remaining = operationsOfTitle(idDossier);
+    if (!remaining)
         return {};
+    result.remaining = *remaining;
     if (result.remaining.isEmpty()) {
         if (!exec(q, QStringLiteral("DELETE FROM dossier WHERE IDTitolo = ?"), { idDossier }))
             return {};
@@ -301,7 +339,7 @@ std::optional<StoricoRow> Database::findStoricoByAttuale(double attuale)
     return std::nullopt;
 }
 
-QList<StoricoRow> Database::storicoInPeriod(const QDate &first, const QDate &last)
+std::optional<QList<StoricoRow>> Database::storicoInPeriod(const QDate &first, const QDate &last)
 {
     QSqlQuery q(m_db);
     if (!ready()
@@ -309,15 +347,15 @@ QList<StoricoRow> Database::storicoInPeriod(const QDate &first, const QDate &las
             QStringLiteral("SELECT %1 FROM Storico WHERE data >= ? AND data <= ? ORDER BY data, id")
                 .arg(kStoricoColumns),
             { dateValue(first), dateValue(last) }))
-        return {};
+        return std::nullopt;
     return readAll<StoricoRow>(q, readStorico);
 }
 
-QList<StoricoRow> Database::storicoRows()
+std::optional<QList<StoricoRow>> Database::storicoRows()
 {
     QSqlQuery q(m_db);
     if (!ready() || !exec(q, QStringLiteral("SELECT %1 FROM Storico ORDER BY data, id").arg(kStoricoColumns)))
-        return {};
+        return std::nullopt;
     return readAll<StoricoRow>(q, readStorico);
 }
 
@@ -329,21 +367,21 @@ bool Database::deleteStorico(qint64 id)
 
 // --- Gruppi ---
 
-QStringList Database::groups()
+std::optional<QStringList> Database::groups()
 {
     QSqlQuery q(m_db);
     if (!ready() || !exec(q, QStringLiteral("SELECT Gruppo FROM Gruppi GROUP BY Gruppo ORDER BY Gruppo")))
-        return {};
+        return std::nullopt;
     return readStrings(q);
 }
 
-QList<GruppoRow> Database::titlesOfGroup(const QString &gruppo)
+std::optional<QList<GruppoRow>> Database::titlesOfGroup(const QString &gruppo)
 {
     QSqlQuery q(m_db);
     if (!ready()
         || !exec(
             q, QStringLiteral("SELECT %1 FROM Gruppi WHERE Gruppo = ? ORDER BY ID").arg(kGruppoColumns), { gruppo }))
-        return {};
+        return std::nullopt;
     return readAll<GruppoRow>(q, readGruppo);
 }
 
@@ -365,6 +403,31 @@ GroupAdd Database::addToGroup(const GruppoRow &row)
     return q.numRowsAffected() > 0 ? GroupAdd::Added : GroupAdd::AlreadyPresent;
 }
 
+std::optional<int> Database::addGroup(const QString &gruppo, const QList<GruppoRow> &titles)
+{
+    if (!ready())
+        return std::nullopt;
+    Transaction t(*this);
+    if (!t.active())
+        return std::nullopt;
+    int added = 0;
+    for (GruppoRow row : titles) {
+        row.gruppo = gruppo;
+        switch (addToGroup(row)) {
+        case GroupAdd::Added:
+            ++added;
+            break;
+        case GroupAdd::AlreadyPresent:
+            break;
+        case GroupAdd::Failed:
+            return std::nullopt;
+        }
+    }
+    if (!t.commit())
+        return std::nullopt;
+    return added;
+}
+
 bool Database::removeFromGroup(const QString &gruppo, const QString &titolo)
 {
     QSqlQuery q(m_db);
@@ -377,34 +440,34 @@ bool Database::deleteGroup(const QString &gruppo)
     return ready() && exec(q, QStringLiteral("DELETE FROM Gruppi WHERE Gruppo = ?"), { gruppo });
 }
 
-QList<GruppoSize> Database::groupSizes()
+std::optional<QList<GruppoSize>> Database::groupSizes()
 {
     QSqlQuery q(m_db);
     if (!ready()
         || !exec(q,
             QStringLiteral("SELECT Gruppo, Count(Gruppo) AS ConteggioDiGruppo FROM Gruppi GROUP BY Gruppo"
                            " ORDER BY Gruppo")))
-        return {};
+        return std::nullopt;
     return readAll<GruppoSize>(q, [](const QSqlQuery &r) {
         return GruppoSize { r.value(0).toString(), r.value(1).toLongLong() };
     });
 }
 
-QStringList Database::symbolsOfGroup(const QString &gruppo)
+std::optional<QStringList> Database::symbolsOfGroup(const QString &gruppo)
 {
     QSqlQuery q(m_db);
     if (!ready() || !exec(q, QStringLiteral("SELECT simbolo FROM Gruppi WHERE Gruppo = ? ORDER BY ID"), { gruppo }))
-        return {};
+        return std::nullopt;
     return readStrings(q);
 }
 
 // --- directory ---
 
-QStringList Database::folders()
+std::optional<QStringList> Database::folders()
 {
     QSqlQuery q(m_db);
     if (!ready() || !exec(q, QStringLiteral("SELECT path FROM directory ORDER BY rowid")))
-        return {};
+        return std::nullopt;
     return readStrings(q);
 }
 
@@ -468,22 +531,23 @@ bool Database::appendArchiveLog(const LogArchivioRow &row)
 
 // --- rename ---
 
-bool Database::renameTitle(qint64 idTitolo, const QString &newSymbol, const QString &newName, const QString &oldSymbol)
+bool Database::renameTitle(qint64 idTitolo, const QString &newSymbol, const QString &newName)
 {
     if (!ready())
         return false;
     Transaction t(*this);
-    QSqlQuery q(m_db);
-    if (!t.active()
-        || !exec(q, QStringLiteral("UPDATE dossier SET Titolo = ?, descrizione = ? WHERE IDTitolo = ?"),
-            { newSymbol, newName, idTitolo }))
+    if (!t.active())
         return false;
-    if (q.numRowsAffected() == 0)
-        return fail(ErrNoRecord, QStringLiteral("titolo %1 non in dossier").arg(idTitolo));
-    return exec(q, QStringLiteral("UPDATE Operazioni SET titolo = ?, ticker = ? WHERE IDDossier = ?"),
-               { newName, newSymbol, idTitolo })
+    const std::optional<DossierRow> current = heldTitle(idTitolo);
+    if (!current)
+        return false;
+    QSqlQuery q(m_db);
+    return exec(q, QStringLiteral("UPDATE dossier SET Titolo = ?, descrizione = ? WHERE IDTitolo = ?"),
+               { newSymbol, newName, idTitolo })
+        && exec(q, QStringLiteral("UPDATE Operazioni SET titolo = ?, ticker = ? WHERE IDDossier = ?"),
+            { newName, newSymbol, idTitolo })
         && exec(q, QStringLiteral("UPDATE giornata SET tiker = ?, titolo = ? WHERE tiker = ?"),
-            { newSymbol, newName, oldSymbol })
+            { newSymbol, newName, current->titolo })
         && t.commit();
 }
 

@@ -1,14 +1,15 @@
 // The MetaStock folder check: what the progress panel, the status bar and the data commands show
 // after each kind of problem, the messages, the report and the program's archive flags; the same
 // check from the command line, and on real archives.
-#include "app/FolderCheck.h"
 #include "app/FolderCheckRunner.h"
 #include "app/MainWindow.h"
-#include "app/ProgramState.h"
-#include "app/ProgressBar.h"
-#include "app/TestSupport.h"
+#include "core/ProgramInfo.h"
+#include "core/ProgramState.h"
+#include "gui/ProgressBar.h"
 #include "metastock/ArchiveWriter.h"
+#include "metastock/FolderCheck.h"
 #include "store/Database.h"
+#include "support/TestSupport.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -104,28 +105,28 @@ class TestFolderCheck : public QObject
     {
         m_db = std::make_unique<store::Database>();
         QVERIFY(m_db->open(database(folders, m_tmp.path())).ok());
-        m_main = std::make_unique<MainWindow>();
+        m_main = vmtest::program().mainWindow();
         m_main->setHook(MainWindow::Hook::DossierOverview, [this] { ++m_overviews; });
         m_main->setHook(MainWindow::Hook::QuoteBoard, [] {});
-        installFolderCheck(*m_main, *m_db);
+        registerFolderCheck(*m_main, vmtest::program().context(*m_main, *m_db));
         m_main->show();
     }
 
     QAction *menuItem(const char *name) { return m_main->findChild<QAction *>(QString::fromLatin1(name)); }
-    QString report() { return programFile(QStringLiteral("MstkTestFiles.txt")); }
+    QString report() { return vmtest::program().state.file(QStringLiteral("MstkTestFiles.txt")); }
 
 private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(m_tmp.isValid());
-        setProgramFolder(m_tmp.path());
+        vmtest::program().setFolder(m_tmp.path());
     }
     void init()
     {
         ui::testing::reset();
         m_overviews = 0;
-        state().ArchiviCompatibili = false;
-        state().AttributiMaster = 0;
+        vmtest::program().state.ArchiviCompatibili = false;
+        vmtest::program().state.AttributiMaster = 0;
         QFile::remove(report());
     }
     void cleanup()
@@ -188,8 +189,8 @@ private Q_SLOTS:
         QCOMPARE(m_main->progressPanel()->isVisible(), !ready);
         QCOMPARE(m_main->progressBar()->text(), QStringLiteral("100%"));
         QCOMPARE(m_main->cursor().shape(), Qt::ArrowCursor);
-        QCOMPARE(state().ArchiviCompatibili, problem.compatible);
-        QCOMPARE(state().AttributiMaster, readOnly ? 1 : 0);
+        QCOMPARE(vmtest::program().state.ArchiviCompatibili, problem.compatible);
+        QCOMPARE(vmtest::program().state.AttributiMaster, readOnly ? 1 : 0);
         QCOMPARE(ui::testing::beeps(), readOnly ? 1 : 0);
 
         // The data commands follow the folders; the dossier itself also wants standard titles.
@@ -220,7 +221,7 @@ private Q_SLOTS:
             QStringLiteral("^Report Test Metastock files, stampato \\d\\d/\\d\\d/20\\d\\d \\d\\d:\\d\\d:\\d\\d$"));
         QVERIFY2(heading.match(written.value(1)).hasMatch(), qPrintable(written.value(1)));
         QCOMPARE(written.size(), 3 + problem.report.size() + (invalidTitles ? 3 : 0) + 1);
-        QCOMPARE(written.join(u'\n').contains(QLatin1String(kSitoQuotaflusso)), invalidTitles);
+        QCOMPARE(written.join(u'\n').contains(QLatin1String(vm::kSitoQuotaflusso)), invalidTitles);
         QVERIFY(written.first().isEmpty() && written.at(2).isEmpty() && written.last().isEmpty());
         QCOMPARE(ui::testing::openedDocuments(), invalidTitles ? QStringList { report() } : QStringList {});
     }
@@ -232,7 +233,7 @@ private Q_SLOTS:
     void checkAgainFromTheToolbar()
     {
         start({});
-        state().ArchiviCompatibili = true;
+        vmtest::program().state.ArchiviCompatibili = true;
         m_main->folderList()->addItem(QStringLiteral("earlier"));
         m_main->VerificaDirMS();
         QCOMPARE(ui::testing::messages().size(), 1);
@@ -243,7 +244,7 @@ private Q_SLOTS:
             m.text.startsWith(QStringLiteral("Le cartelle metastock non sono inserite, per l'uso del programma\n")));
         QVERIFY(!QFile::exists(report()));
         QCOMPARE(items(m_main->folderList()), QStringList { QStringLiteral("earlier") });
-        QVERIFY(state().ArchiviCompatibili);
+        QVERIFY(vmtest::program().state.ArchiviCompatibili);
         QVERIFY(!menuItem("m_dossier")->isEnabled());
 
         const QString good = folder(QStringLiteral("ready"));
@@ -264,7 +265,7 @@ private Q_SLOTS:
             (QStringList { QStringLiteral("Cartella %1 metastock non trovata").arg(good), kNotCompatible }));
         QVERIFY(m_main->progressPanel()->isVisible());
         QVERIFY(!menuItem("m_dossier")->isEnabled());
-        QVERIFY(state().ArchiviCompatibili);
+        QVERIFY(vmtest::program().state.ArchiviCompatibili);
         QCOMPARE(m_main->statusPanel(1)->text(), kStatusError);
         QVERIFY(QFile::exists(report()));
     }

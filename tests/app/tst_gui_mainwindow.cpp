@@ -1,8 +1,10 @@
-#include "app/IniFile.h"
 #include "app/MainWindow.h"
-#include "app/ProgramState.h"
-#include "app/ProgressBar.h"
-#include "app/TestSupport.h"
+#include "auxiliary/AuxiliaryWindows.h"
+#include "core/IniFile.h"
+#include "core/ProgramState.h"
+#include "gui/ProgressBar.h"
+#include "store/Database.h"
+#include "support/TestSupport.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -34,6 +36,7 @@ class TestMainWindow : public QObject
     Q_OBJECT
 
     QTemporaryDir m_folder;
+    vm::store::Database m_unopened;
     std::unique_ptr<MainWindow> m_window;
 
     // An action by name; "#n" is the n-th colour of the colour menu, and a caption of the history
@@ -41,12 +44,14 @@ class TestMainWindow : public QObject
     QAction *item(const QString &name) const
     {
         if (name.startsWith(u'#')) {
-            m_window->colourMenu()->hide();
-            return m_window->colourMenu()->findChildren<QAction *>(QStringLiteral("m_c")).value(name.mid(1).toInt());
+            m_window->popupMenu(vm::PopupMenu::Colours)->hide();
+            return m_window->popupMenu(vm::PopupMenu::Colours)
+                ->findChildren<QAction *>(QStringLiteral("m_c"))
+                .value(name.mid(1).toInt());
         }
         if (auto *a = m_window->findChild<QAction *>(name))
             return a;
-        for (QAction *a : m_window->historyTypeMenu()->actions()) {
+        for (QAction *a : m_window->popupMenu(vm::PopupMenu::HistoryType)->actions()) {
             if (a->text() == name)
                 return a;
         }
@@ -59,10 +64,12 @@ private Q_SLOTS:
     {
         testing::reset();
         QFile::remove(m_folder.filePath(QStringLiteral("valorimetrico.ini")));
-        vm::setProgramFolder(m_folder.path());
-        vm::state().DossierProtetto = false;
-        vm::state().ArchiviCompatibili = false;
-        m_window = std::make_unique<MainWindow>();
+        vmtest::program().setFolder(m_folder.path());
+        vmtest::program().state.DossierProtetto = false;
+        vmtest::program().state.ArchiviCompatibili = false;
+        m_window = vmtest::program().mainWindow();
+        // The hand-overs to the desktop are the auxiliary subsystem's; they read no database.
+        vm::aux::registerWindows(vmtest::program().context(*m_window, m_unopened));
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
@@ -123,7 +130,7 @@ private Q_SLOTS:
         QStringList icons;
         for (const bool isProtected : { true, false }) {
             m_window->setDossierProtected(isProtected);
-            QCOMPARE(vm::state().DossierProtetto, isProtected);
+            QCOMPARE(vmtest::program().state.DossierProtetto, isProtected);
             QCOMPARE(m_window->statusBar()->toolTip(),
                 isProtected ? QStringLiteral("Accesso dossier titoli protetto")
                             : QStringLiteral("Accesso dossier titoli non protetto"));
@@ -162,13 +169,13 @@ private Q_SLOTS:
     void chartSettings()
     {
         QFETCH(Choice, row);
-        QSignalSpy quoteRedraw(m_window.get(), &MainWindow::quoteChartSettingsChanged);
+        QSignalSpy quoteRedraw(&vmtest::program().events, &vm::DataEvents::quoteChartSettingsChanged);
         QAction *last = nullptr;
         for (const QString &name : QString::fromLatin1(row.items).split(u',')) {
             QVERIFY((last = item(name)));
             last->trigger();
         }
-        const QString ini = vm::state().FileIni, key = QString::fromLatin1(row.key);
+        const QString ini = vmtest::program().settings.path(), key = QString::fromLatin1(row.key);
         const bool history = row.section == std::string_view("GraficoStorico");
         QCOMPARE(vm::readIni(ini, QString::fromLatin1(row.section), key, u"<none>"), QString::fromLatin1(row.value));
         QCOMPARE(vm::readIni(ini, history ? u"Grafico" : u"GraficoStorico", key, u"<none>"), QStringLiteral("<none>"));
@@ -178,8 +185,8 @@ private Q_SLOTS:
 
     void titleSelectorTagRule()
     {
-        QSignalSpy chosen(m_window.get(), &MainWindow::dossierTitleChosen);
-        m_window->fillTitles(m_window->dossierTitles(), { "ENEL", "ENI", "FIAT" });
+        QSignalSpy chosen(&vmtest::program().events, &vm::DataEvents::dossierTitleChosen);
+        m_window->fillTitles(vm::TitleSelector::Dossier, { "ENEL", "ENI", "FIAT" });
         QCOMPARE(chosen.size(), 0);
         QCOMPARE(m_window->dossierTitles()->property("tag").toString(), QString());
         m_window->button(4, QStringLiteral("dx"))->trigger();
@@ -211,8 +218,8 @@ private Q_SLOTS:
             QVERIFY(f.open(QIODevice::WriteOnly));
             f.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         }
-        vm::ScriviIni(
-            vm::state().FileIni, u"Strumenti", u"Quotaflusso", bin.filePath(QStringLiteral("quotaflusso.exe")));
+        vm::ScriviIni(vmtest::program().settings.path(), u"Strumenti", u"Quotaflusso",
+            bin.filePath(QStringLiteral("quotaflusso.exe")));
         m_window->button(4, QStringLiteral("calc"))->trigger();
         item(QStringLiteral("m_run_quotaflusso"))->trigger();
         qputenv("PATH", oldPath);

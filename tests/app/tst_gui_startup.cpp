@@ -1,9 +1,9 @@
 #include "app/MainWindow.h"
-#include "app/ProgramState.h"
 #include "app/Startup.h"
-#include "app/TestSupport.h"
-#include "auxiliary/Form135.h"
+#include "auxiliary/SplashWindow.h"
+#include "core/ProgramState.h"
 #include "store/Database.h"
+#include "support/TestSupport.h"
 
 #include <QtTest>
 #include <QtWidgets>
@@ -29,7 +29,7 @@ class TestStartup : public QObject
         env.screenWidth = 1024;
         env.programFolder = m_folder->path();
         env.systemLocale = QLocale(QLocale::Italian, QLocale::Italy);
-        env.prepareMainWindow = [this](MainWindow &w, vm::store::Database &) {
+        env.prepareMainWindow = [this](MainWindow &w, const vm::WindowContext &) {
             w.setHook(MainWindow::Hook::FolderCheck, [this] { ++m_folderChecks; });
         };
         return env;
@@ -45,7 +45,7 @@ private Q_SLOTS:
     }
     void cleanup()
     {
-        delete vm::aux::Form135::instance();
+        delete vm::aux::SplashWindow::instance();
         m_folder.reset();
     }
 
@@ -128,7 +128,7 @@ private Q_SLOTS:
         Startup startup(env);
         QVERIFY(startup.Main());
         QVERIFY(startup.mainWindow()->isVisible());
-        vm::aux::Form135 *form = vm::aux::Form135::instance();
+        vm::aux::SplashWindow *form = vm::aux::SplashWindow::instance();
         QCOMPARE(form != nullptr, splash);
         if (form) {
             QVERIFY(form->isVisible());
@@ -158,13 +158,13 @@ private Q_SLOTS:
         }
         Startup startup(environment());
         QVERIFY(startup.Main());
-        QVERIFY(vm::state().DossierProtetto);
+        QVERIFY(startup.state().DossierProtetto);
         QCOMPARE(startup.mainWindow()->statusBar()->toolTip(), QStringLiteral("Accesso dossier titoli protetto"));
         QAction *compact = startup.mainWindow()->findChild<QAction *>(QStringLiteral("m_dati_compatta"));
         compact->trigger();
         compact->trigger();
         QCOMPARE(vmtest::shown(), QStringList(2, "Valorimetrico|Database compattato."));
-        QVERIFY(vm::state().DbDossier->isOpen());
+        QVERIFY(startup.database().isOpen());
         QVERIFY(!QFile::exists(file("temp.mdb")));
     }
 };

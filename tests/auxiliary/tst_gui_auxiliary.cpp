@@ -1,16 +1,18 @@
 // The splash and about window and the companion program's settings window, driven from the main window.
-#include "app/IniFile.h"
 #include "app/MainWindow.h"
-#include "app/ProgramState.h"
-#include "app/TestSupport.h"
-#include "auxiliary/Form12.h"
-#include "auxiliary/Form135.h"
+#include "auxiliary/AuxiliaryWindows.h"
+#include "auxiliary/SplashWindow.h"
+#include "auxiliary/ToolsWindow.h"
+#include "core/IniFile.h"
+#include "core/ProgramState.h"
+#include "store/Database.h"
+#include "support/TestSupport.h"
 
 #include <QtTest>
 #include <QtWidgets>
 
-using vm::aux::Form12;
-using vm::aux::Form135;
+using vm::aux::SplashWindow;
+using vm::aux::ToolsWindow;
 namespace testing = vm::ui::testing;
 using vmtest::child;
 
@@ -19,15 +21,16 @@ class TestGuiAuxiliary : public QObject
     Q_OBJECT
 
     QTemporaryDir m_folder;
+    std::unique_ptr<vm::store::Database> m_db; // never opened: these windows do not read it
     std::unique_ptr<vm::MainWindow> m_main;
     int m_checks = 0;
     QString m_ticksAtCheck;
 
-    static QTimer *timer(Form135 *f) { return f->findChild<QTimer *>(QStringLiteral("Timer1")); }
-    static QString ticks(Form135 *f) { return child<QLabel>(f, "Label7")->text(); }
+    static QTimer *timer(SplashWindow *f) { return f->findChild<QTimer *>(QStringLiteral("Timer1")); }
+    static QString ticks(SplashWindow *f) { return child<QLabel>(f, "Label7")->text(); }
     static QString ini(const char16_t *section, const char16_t *key)
     {
-        return vm::readIni(vm::state().FileIni, section, key, u"<none>");
+        return vm::readIni(vmtest::program().settings.path(), section, key, u"<none>");
     }
     void trigger(const char *action) { child<QAction>(m_main.get(), action)->trigger(); }
 
@@ -35,21 +38,22 @@ private Q_SLOTS:
     void init()
     {
         testing::reset();
-        vm::setProgramFolder(m_folder.path());
-        m_main = std::make_unique<vm::MainWindow>();
-        vm::aux::installTools(*m_main);
+        vmtest::program().setFolder(m_folder.path());
+        m_main = vmtest::program().mainWindow();
+        m_db = std::make_unique<vm::store::Database>();
+        vm::aux::registerWindows(vmtest::program().context(*m_main, *m_db));
         m_checks = 0;
         m_main->setHook(vm::MainWindow::Hook::FolderCheck, [this] {
             ++m_checks;
-            if (Form135 *f = Form135::instance())
+            if (SplashWindow *f = SplashWindow::instance())
                 m_ticksAtCheck = ticks(f);
         });
         m_main->show();
     }
     void cleanup()
     {
-        delete Form135::instance();
-        delete Form12::instance();
+        delete SplashWindow::instance();
+        delete ToolsWindow::instance();
         m_main.reset();
     }
 
@@ -64,7 +68,8 @@ private Q_SLOTS:
     void startupSplash()
     {
         QFETCH(bool, closeButton);
-        QPointer<Form135> f = Form135::load();
+        QPointer<SplashWindow> f = SplashWindow::load(vmtest::program().settings, m_main.get());
+        f->attach(m_main.get(), [this] { m_main->VerificaDirMS(); });
         f->setTag(QStringLiteral("X"));
         f->show();
         timer(f)->setInterval(1);
@@ -96,13 +101,13 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, text);
         QFETCH(bool, checkedAtLoad);
-        vmtest::writeFile(vm::state().FileIni, text);
+        vmtest::writeFile(vmtest::program().settings.path(), text);
         trigger("m_autore");
-        Form135 *f = Form135::instance();
+        SplashWindow *f = SplashWindow::instance();
         QVERIFY(f && f->isVisible());
         auto *box = child<QCheckBox>(f, "Check1");
         QCOMPARE(box->isChecked(), checkedAtLoad);
-        QCOMPARE(QFile::exists(vm::state().FileIni), !text.isEmpty());
+        QCOMPARE(QFile::exists(vmtest::program().settings.path()), !text.isEmpty());
         box->click();
         QCOMPARE(ini(u"Opzioni", u"Splash"), checkedAtLoad ? u"0" : u"1");
         box->click();
@@ -111,14 +116,14 @@ private Q_SLOTS:
         timer(f)->setInterval(1);
         int seen = 0;
         connect(timer(f), &QTimer::timeout, this, [&seen] { ++seen; });
-        QTRY_VERIFY(seen > 2 * Form135::kClosingTick);
+        QTRY_VERIFY(seen > 2 * SplashWindow::kClosingTick);
         QVERIFY(f->isVisible());
         QCOMPARE(ticks(f), QStringLiteral("0"));
-        QVERIFY(!Form135::loginName().isEmpty());
+        QVERIFY(!SplashWindow::loginName().isEmpty());
         QCOMPARE(child<QPlainTextEdit>(f, "Text1")->toPlainText().split('\n').value(2),
-            QStringLiteral("Prodotto concesso a: ") + Form135::loginName());
+            QStringLiteral("Prodotto concesso a: ") + SplashWindow::loginName());
         QTest::mouseClick(child<QPushButton>(f, "Command1"), Qt::LeftButton);
-        QVERIFY(!Form135::instance() || !Form135::instance()->isVisible());
+        QVERIFY(!SplashWindow::instance() || !SplashWindow::instance()->isVisible());
         QCOMPARE(m_checks, 0);
     }
 
@@ -146,13 +151,13 @@ private Q_SLOTS:
         QFETCH(QString, field);
         QFETCH(QString, picked);
         QFETCH(QString, stored);
-        vmtest::writeFile(vm::state().FileIni, text);
+        vmtest::writeFile(vmtest::program().settings.path(), text);
         trigger("m_strumenti_impostazioni");
-        Form12 *f = Form12::instance();
+        ToolsWindow *f = ToolsWindow::instance();
         QVERIFY(f && f->isVisible());
         auto *path = child<QLineEdit>(f, "Text1");
         QCOMPARE(path->text(), field);
-        QCOMPARE(QFile::exists(vm::state().FileIni), !text.isEmpty());
+        QCOMPARE(QFile::exists(vmtest::program().settings.path()), !text.isEmpty());
 
         testing::setNextPath(picked);
         QTest::mouseClick(child<QPushButton>(f, "Command2"), Qt::LeftButton);
@@ -171,7 +176,7 @@ private Q_SLOTS:
         QTest::keyClick(path, Qt::Key_Backspace);
         QCOMPARE(ini(u"Strumenti", u"Quotaflusso"), u"/");
         QTest::mouseClick(child<QPushButton>(f, "Command1"), Qt::LeftButton);
-        QTRY_VERIFY(!Form12::instance());
+        QTRY_VERIFY(!ToolsWindow::instance());
     }
 };
 

@@ -3,6 +3,7 @@
 #include "dossier/Valuation.h"
 #include "metastock/ArchiveWriter.h"
 #include "store/Database.h"
+#include "support/RawSql.h"
 
 #include <QDir>
 #include <QProcess>
@@ -172,7 +173,7 @@ private Q_SLOTS:
         QCOMPARE(registra(1200, 5), EsitoStorico::Registrato);
         QCOMPARE(registra(1000, 6), EsitoStorico::GiaRegistrato); // an old total comes back
         QCOMPARE(registra(0, 6), EsitoStorico::TotaleNullo);
-        const QList<store::StoricoRow> scritte = db.storicoRows();
+        const QList<store::StoricoRow> scritte = db.storicoRows().value();
         QCOMPARE(scritte.size(), 3);
         QCOMPARE(scritte[1].data, QDate(2025, 3, 4));
         QCOMPARE(scritte[1].attuale, 1000.01);
@@ -223,11 +224,19 @@ private Q_SLOTS:
         {
             store::Database db;
             QVERIFY(db.open(dir + QStringLiteral("/valorimetrico.mdb")).ok());
-            const QList<store::StoricoRow> storico = db.storicoRows();
+            const QList<store::StoricoRow> storico = db.storicoRows().value();
             QCOMPARE(storico.size(), 1);
             QCOMPARE(storico[0].data, QDate::currentDate());
             QCOMPARE(storico[0].attuale, 12138.0);
         }
+        // A folder list that cannot be read is said so, never taken for an empty one.
+        QCOMPARE(vm::test::rawSql(dir + QStringLiteral("/valorimetrico.mdb"), { "DROP TABLE directory" }), QVariant());
+        const Esito senzaCartelle = esegui(registra);
+        QCOMPARE(senzaCartelle.stato, 1);
+        QVERIFY(senzaCartelle.out.isEmpty());
+        QVERIFY2(senzaCartelle.err.startsWith(QStringLiteral("Impossibile leggere l'elenco delle cartelle MetaStock")),
+            qPrintable(senzaCartelle.err));
+
         QFile f(dir + QStringLiteral("/valorimetrico.mdb"));
         QVERIFY(f.open(QIODevice::WriteOnly) && f.write(QByteArray(4096, 'x')) == 4096);
         f.close();

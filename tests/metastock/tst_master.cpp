@@ -1,4 +1,4 @@
-#include "ArchiviProva.h"
+#include "support/ArchiviProva.h"
 
 #include <QDir>
 #include <QTemporaryDir>

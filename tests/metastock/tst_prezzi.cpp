@@ -1,6 +1,6 @@
-#include "ArchiviProva.h"
+#include "core/Testo1252.h"
 #include "metastock/Mbf.h"
-#include "metastock/Testo1252.h"
+#include "support/ArchiviProva.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -1,10 +1,13 @@
 // The dossier password on a real database, its windows driven as the user would.
 #include "app/MainWindow.h"
-#include "app/MessageBox.h"
-#include "app/ProgramState.h"
+#include "core/ProgramState.h"
+#include "gui/MessageBox.h"
 #include "security/DossierPassword.h"
-#include "security/PasswordWindows.h"
+#include "security/PasswordPromptWindow.h"
+#include "security/PasswordWindow.h"
+#include "security/SecurityWindows.h"
 #include "store/Database.h"
+#include "support/TestSupport.h"
 
 #include <QAction>
 #include <QApplication>
@@ -95,9 +98,9 @@ class TestGuiPassword : public QObject
     void start(const QString &stored)
     {
         m_db = database(stored);
-        m_main = std::make_unique<MainWindow>();
+        m_main = vmtest::program().mainWindow();
         m_main->setHook(MainWindow::Hook::DossierOverview, [this] { ++m_overviews; });
-        security::install(*m_main, *m_db);
+        security::registerWindows(vmtest::program().context(*m_main, *m_db));
         m_main->show();
     }
 
@@ -114,22 +117,22 @@ class TestGuiPassword : public QObject
         QVERIFY(child(form10(), "Text2")->text().isEmpty());
         QCOMPARE(child<QFrame>(form10(), "Frame1")->isVisible(), !row(c.stored));
     }
-    QWidget *form8() { return active(security::PasswordPrompt::instance()); }
+    QWidget *form8() { return active(security::PasswordPromptWindow::instance()); }
 
 private Q_SLOTS:
-    void initTestCase() { setProgramFolder(m_tmp.path()); }
+    void initTestCase() { vmtest::program().setFolder(m_tmp.path()); }
 
     void init()
     {
         ui::testing::reset();
         m_overviews = 0;
-        state().DossierProtetto = false;
+        vmtest::program().state.DossierProtetto = false;
     }
 
     void cleanup()
     {
         for (QWidget *w :
-            QList<QWidget *> { security::PasswordWindow::instance(), security::PasswordPrompt::instance() })
+            QList<QWidget *> { security::PasswordWindow::instance(), security::PasswordPromptWindow::instance() })
             if (w)
                 w->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -229,7 +232,7 @@ private Q_SLOTS:
         const bool guarded = !c.after.isEmpty();
         QCOMPARE(form10() != nullptr, c.open);
         QCOMPARE(m_main->isEnabled(), !c.open);
-        QCOMPARE(state().DossierProtetto, guarded);
+        QCOMPARE(vmtest::program().state.DossierProtetto, guarded);
         QCOMPARE(m_main->statusBar()->toolTip(), guarded ? kProtected : kUnprotected);
         if (c.open && rightCurrent) { // a mismatch clears both new fields
             QVERIFY(child(form, "Text2")->text().isEmpty() && child(form, "Text3")->text().isEmpty());
@@ -261,7 +264,7 @@ private Q_SLOTS:
         QFETCH(QString, answer);
         QFETCH(bool, right);
         start(stored);
-        state().ArchiviCompatibili = true;
+        vmtest::program().state.ArchiviCompatibili = true;
         m_main->button(1, QStringLiteral("portafoglio"))->trigger();
         QWidget *form = form8();
         QVERIFY(form && form->isVisible() && !m_main->isEnabled());
@@ -281,7 +284,7 @@ private Q_SLOTS:
         QCOMPARE(form8() != nullptr, wrong);
         QCOMPARE(m_main->isEnabled(), !wrong);
         QCOMPARE(m_overviews, right ? 1 : 0);
-        QCOMPARE(state().DossierProtetto, !right);
+        QCOMPARE(vmtest::program().state.DossierProtetto, !right);
         // The stored password stays, and panel 4 with it: only this session is let through.
         QCOMPARE(m_db->dossierPassword(), row(stored));
         QCOMPARE(m_main->statusBar()->toolTip(), kProtected);

@@ -1,0 +1,18 @@
+#include "app/WindowRegistry.h"
+
+#include "app/FolderCheckRunner.h"
+#include "app/MainWindow.h"
+#include "auxiliary/AuxiliaryWindows.h"
+#include "gui/WindowContext.h"
+#include "security/SecurityWindows.h"
+
+namespace vm {
+
+void registerWindows(MainWindow &mainWindow, const WindowContext &context)
+{
+    aux::registerWindows(context);
+    registerFolderCheck(mainWindow, context);
+    security::registerWindows(context);
+}
+
+} // namespace vm

@@ -1,0 +1,71 @@
+#include "cli/Cli.h"
+
+#include "cli/CmdDemo.h"
+#include "cli/CmdDossier.h"
+#include "cli/CmdMetastock.h"
+#include "cli/CmdStore.h"
+#include "cli/CmdVerifica.h"
+#include "core/ProgramInfo.h"
+
+#include <iterator>
+
+namespace vm::cli {
+
+namespace {
+
+// Each subsystem registers its commands here, in the order --help lists them.
+const CommandInfo kCommands[] = {
+    { "titoli", "elenca i titoli di una cartella MetaStock", vm::metastock::cmdTitoli },
+    { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
+    { "crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio },
+    { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
+    { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
+    { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
+};
+
+void printHelp(QTextStream &out)
+{
+    out << "Uso: valorimetrico-cli COMANDO [OPZIONI]\n\n"
+        << kProgramName << " " << programVersion() << ": il dossier titoli senza finestre.\n\nComandi:\n";
+    for (const auto &c : kCommands) {
+        if (c.run)
+            out << "  " << QString::fromLatin1(c.name).leftJustified(14) << QString::fromUtf8(c.summary) << "\n";
+    }
+    out << "\n'valorimetrico-cli COMANDO --help' descrive un comando.\n";
+}
+
+} // namespace
+
+QString csvField(const QString &text)
+{
+    if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') && !text.contains(u'\r'))
+        return text;
+    return u'"' + QString(text).replace(QStringLiteral("\""), QStringLiteral("\"\"")) + u'"';
+}
+
+bool wantsHelp(const QStringList &args)
+{
+    return args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"));
+}
+
+int run(const QStringList &args, Io &io)
+{
+    if (args.isEmpty()) {
+        printHelp(io.err);
+        return Usage;
+    }
+    const QString &name = args.first();
+    if (name == QLatin1String("--help") || name == QLatin1String("-h") || name == QLatin1String("aiuto")) {
+        printHelp(io.out);
+        return Ok;
+    }
+    for (const auto &c : kCommands) {
+        if (c.run && name == QLatin1String(c.name))
+            return c.run(args.mid(1), io);
+    }
+    io.err << "Comando sconosciuto: " << name << "\n";
+    printHelp(io.err);
+    return Usage;
+}
+
+} // namespace vm::cli

@@ -1,0 +1,154 @@
+#include "cli/CmdDossier.h"
+
+#include "core/ProgramFolder.h"
+#include "dossier/Storico.h"
+#include "store/Database.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace vm::dossier {
+
+namespace {
+
+void usage(QTextStream &s)
+{
+    s << "Uso: valorimetrico-cli dossier [--cartella DIR] [--csv] [--registra]\n\n"
+         "Valuta i titoli del dossier con l'ultima quotazione degli archivi MetaStock e stampa\n"
+         "acquisto, data, valore attuale, differenza e percentuale di ogni titolo, con i totali.\n\n"
+         "  --csv       una riga CSV per titolo: id,simbolo,descrizione,acquisto,data,attuale,\n"
+         "              differenza,percentuale,stato (punto decimale, data aaaa-mm-gg)\n"
+         "  --registra  registra il valore del giorno nello storico, se non è già presente\n\n"
+         "Gli avvisi vanno sull'errore standard. Esce con 0 se la valutazione è stata eseguita,\n"
+         "con 1 se il database non si apre.\n";
+}
+
+// The shortest text that reads back as the same double, in plain decimal notation.
+QString numeroCsv(double valore)
+{
+    if (valore == 0 || !std::isfinite(valore))
+        return QStringLiteral("0");
+    std::array<char, 400> buffer;
+    const auto esito = std::to_chars(buffer.data(), buffer.data() + buffer.size(), valore, std::chars_format::fixed);
+    return QString::fromLatin1(buffer.data(), esito.ptr - buffer.data());
+}
+
+} // namespace
+
+QString csvDossier(const QList<RigaDossier> &righe)
+{
+    QString csv = QStringLiteral("id,simbolo,descrizione,acquisto,data,attuale,differenza,percentuale,stato\n");
+    for (const RigaDossier &r : righe) {
+        const QStringList campi { QString::number(r.idTitolo), vm::cli::csvField(r.simbolo),
+            vm::cli::csvField(r.descrizione), numeroCsv(r.acquisto),
+            r.dataUltima.isValid() ? r.dataUltima.toString(Qt::ISODate) : QString(), numeroCsv(r.attuale),
+            numeroCsv(r.differenza), numeroCsv(r.percentuale), nomeStato(r.stato) };
+        csv += campi.join(u',') + u'\n';
+    }
+    return csv;
+}
+
+QString tabellaDossier(const Valutazione &valutazione)
+{
+    // Descrizione left-aligned, the figures right-aligned under their headers.
+    const QStringList intestazioni { QStringLiteral("Descrizione"), QStringLiteral("Acquisto"), QStringLiteral("data"),
+        QStringLiteral("Attuale"), QStringLiteral(" +/-     "), QStringLiteral(" Perc.   ") };
+    QList<QStringList> righe;
+    for (const RigaDossier &r : valutazione.righe) {
+        righe.append(
+            { r.descrizione, r.testoAcquisto, r.testoData, r.testoAttuale, r.testoDifferenza, r.testoPercentuale });
+    }
+    QList<qsizetype> larghezze;
+    for (const QString &h : intestazioni)
+        larghezze.append(h.size());
+    for (const QStringList &r : righe) {
+        for (int c = 0; c < r.size(); ++c)
+            larghezze[c] = std::max(larghezze[c], r[c].size());
+    }
+    const auto linea = [&](const QStringList &celle, bool intestazione) {
+        QStringList parti;
+        for (int c = 0; c < celle.size(); ++c) {
+            const bool sinistra = c == 0 || intestazione;
+            parti.append(sinistra ? celle[c].leftJustified(larghezze[c]) : celle[c].rightJustified(larghezze[c]));
+        }
+        return parti.join(QStringLiteral("  ")).trimmed() + u'\n';
+    };
+
+    QString testo = linea(intestazioni, true);
+    for (const QStringList &r : righe)
+        testo += linea(r, false);
+    const TotaliDossier &t = valutazione.totali;
+    const QList<std::pair<QString, QString>> totali { { QStringLiteral("Acquisto"), t.acquisto },
+        { QStringLiteral("Attuale"), t.attuale }, { QStringLiteral("Differenza"), t.differenza },
+        { QStringLiteral("Perc."), t.percentuale } };
+    qsizetype larghezzaValori = 0;
+    for (const auto &[nome, valore] : totali)
+        larghezzaValori = std::max(larghezzaValori, valore.size());
+    testo += u'\n';
+    for (const auto &[nome, valore] : totali)
+        testo += (nome.leftJustified(11) + valore.rightJustified(larghezzaValori)).trimmed() + u'\n';
+    return testo;
+}
+
+int cmdDossier(const QStringList &arguments, cli::Io &io)
+{
+    if (cli::wantsHelp(arguments)) {
+        usage(io.out);
+        return cli::Ok;
+    }
+    QStringList args = arguments;
+    QString errore;
+    const auto cartella = ProgramFolder::fromArguments(args, errore);
+    if (!cartella) {
+        io.err << errore << "\n";
+        return cli::Usage;
+    }
+    const bool csv = args.removeAll(QStringLiteral("--csv")) > 0;
+    const bool registra = args.removeAll(QStringLiteral("--registra")) > 0;
+    if (!args.isEmpty()) {
+        io.err << "Argomento non previsto: " << args.first() << "\n";
+        usage(io.err);
+        return cli::Usage;
+    }
+    if (!cartella->prepare(store::Database::createIfMissing, errore)) {
+        io.err << errore << "\n";
+        return cli::Failure;
+    }
+
+    store::Database db;
+    const auto aperto = db.open(cartella->databasePath());
+    if (!aperto.ok()) {
+        io.err << aperto.error.message << "\n";
+        return cli::Failure;
+    }
+    const std::optional<QStringList> cartelle = db.folders();
+    if (!cartelle) {
+        io.err << store::readFailure(QString::fromUtf8(store::kWhatFolders), db.lastError()) << "\n";
+        return cli::Failure;
+    }
+    const std::optional<QList<store::DossierRow>> titoli = db.dossierRows();
+    if (!titoli) {
+        io.err << store::readFailure(QString::fromUtf8(store::kWhatDossier), db.lastError()) << "\n";
+        return cli::Failure;
+    }
+    const Valutazione v = PreparaDati(*cartelle, *titoli);
+
+    // The same message for every title that meets a missing folder: said once is enough here.
+    QStringList detti;
+    for (const Avviso &a : v.avvisi) {
+        if (detti.contains(a.testo))
+            continue;
+        detti.append(a.testo);
+        io.err << a.titolo << ": " << QString(a.testo).trimmed() << "\n";
+    }
+    io.out << (csv ? csvDossier(v.righe) : tabellaDossier(v));
+
+    if (registra && v.eseguita && Storico(db, v.totali, QDate::currentDate()) == EsitoStorico::Errore) {
+        io.err << db.lastError().message << "\n";
+        return cli::Failure;
+    }
+    return cli::Ok;
+}
+
+} // namespace vm::dossier

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "cli/Cli.h"
+#include "dossier/Valuation.h"
+
+namespace vm::dossier {
+
+// valorimetrico-cli dossier [--cartella DIR] [--csv] [--registra]: the dossier valued against the
+// archives, as a table for people or as CSV, optionally recording the day's value in the history.
+int cmdDossier(const QStringList &args, cli::Io &io);
+
+// The CSV report: a header line, then one line per row in the rows' order.
+QString csvDossier(const QList<RigaDossier> &righe);
+
+// The report for people: the overview's columns, then the four totals.
+QString tabellaDossier(const Valutazione &valutazione);
+
+} // namespace vm::dossier
