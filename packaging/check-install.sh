@@ -105,8 +105,10 @@ check_tree() {
   done
   "$cli" --help >"$tmp/help.txt" || fault "valorimetrico-cli --help esce con $?"
   "$root/bin/valorimetrico" --help >/dev/null || fault "valorimetrico --help esce con $?"
+  grep -q '^  dossier ' "$tmp/help.txt" || fault "l'aiuto di valorimetrico-cli non elenca i comandi"
+  # shellcheck disable=SC2013 # one word per line: the command names of the help
   for command in $(sed -n '/^Comandi:/,/^$/s/^  \([a-z-]*\) .*/\1/p' "$tmp/help.txt"); do
-    grep -q "^\.SS \"$command[ \"]" "$tmp/valorimetrico-cli.1" ||
+    grep -q "^\.SS \"${command}[ \"]" "$tmp/valorimetrico-cli.1" ||
       fault "il comando $command manca nella pagina di manuale"
     # The options are those of the usage line and of the lines that describe one.
     for option in $("$cli" "$command" --help | grep -E '^(Uso:|\s+--)' | grep -o -- '--[a-z][a-z-]*' | sort -u); do
