@@ -24,6 +24,10 @@ Q_SIGNALS:
     void historyChartSettingsChanged(); // type or colour of the history chart
     void dossierTitleChosen(int index); // Combo2 changed by the user
     void quoteTitleChosen(int index); // Combo1 changed by the user
+
+    // Requests from one subsystem's window to another's, which registers the handler.
+    void titleSituationRequested(const QString &simbolo); // a double click on a dossier row
+    void newTitleRequested(); // the empty dossier's proposal answered Yes
 };
 
 } // namespace vm
