@@ -5,6 +5,7 @@
 #include "app/DemoData.h"
 #include "dossier/DossierCli.h"
 #include "metastock/CliMetastock.h"
+#include "operations/TitoloCli.h"
 #include "store/StoreCli.h"
 
 #include <iterator>
@@ -21,6 +22,7 @@ const CommandInfo kCommands[] = {
     { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
     { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
+    { "titolo", "mostra la situazione, le operazioni e la performance di un titolo", vm::operations::cmdTitolo },
 };
 
 void printHelp(QTextStream &out)

@@ -5,6 +5,7 @@
 #include "app/ProgramFolder.h"
 #include "dossier/Valuation.h"
 #include "metastock/ArchiveWriter.h"
+#include "operations/Operazioni.h"
 #include "store/Database.h"
 
 #include <QDir>
@@ -195,15 +196,6 @@ QList<TitoloArchivio> titoli(const Anagrafica (&elenco)[N], Casuale &caso, const
     return t;
 }
 
-// The average price after a further purchase or a sale, as the purchase and sale windows store it:
-// the amount held kept in single precision, the result rounded to three decimals and kept in single
-// precision too.
-double prezzoMedio(double prezzo, qint64 qta, double importo, qint64 nuovaQta)
-{
-    const float carico = float(double(qta) * prezzo);
-    return double(float(std::round((double(carico) + importo) / double(nuovaQta) * 1000.0) / 1000.0));
-}
-
 // One title held: where it comes from and what was done with it, in trading days before the last one.
 struct Posizione {
     int archivio; // 0 principale, 1 secondaria
@@ -361,17 +353,13 @@ bool Scrittura::database(QString &errore)
         };
         if (p.ulteriore) {
             const store::Operazione o = operazione(store::kTipoAcquisto, p.ulteriore, riga.qta / 2);
-            const qint64 qta = riga.qta + o.qta;
-            riga.prezzo = prezzoMedio(riga.prezzo, riga.qta, o.tot(), qta);
-            riga.qta = qta;
+            riga = operations::acquista(riga, { o.qta, o.valore });
             if (!db.recordOperation(riga, o))
                 return fallito(db, errore);
         }
         if (p.vendita) {
             const store::Operazione o = operazione(store::kTipoVendita, p.vendita, riga.qta * 2 / 5);
-            const qint64 qta = riga.qta - o.qta;
-            riga.prezzo = prezzoMedio(riga.prezzo, riga.qta, -o.tot(), qta);
-            riga.qta = qta;
+            riga = operations::vendi(riga, { o.qta, o.valore }).riga;
             if (!db.recordOperation(riga, o))
                 return fallito(db, errore);
         }
