@@ -49,7 +49,7 @@ double prezzoDopoAcquisto(double prezzo, qint64 qta, double netto, qint64 quanti
     const float carico = float(double(qta) * prezzo);
     const float nuovaQuantita = float(quantita + qta);
     if (nuovaQuantita == 0)
-        return qta == 0 ? netto : prezzo;
+        return prezzo;
     return prezzoArrotondato((netto * double(quantita) + double(carico)) / double(nuovaQuantita));
 }
 

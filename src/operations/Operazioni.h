@@ -23,7 +23,7 @@ namespace vm::operations {
 double prezzoArrotondato(double prezzo);
 
 // After a further purchase of quantita shares at netto: the amount held (in single precision) plus the
-// amount bought, over the new quantity, rounded as above. With no share before or after, the net price.
+// amount bought, over the new quantity, rounded as above. With no share before or after, the price unchanged.
 double prezzoDopoAcquisto(double prezzo, qint64 qta, double netto, qint64 quantita);
 
 // After a sale of quantita shares (fewer than qta) at netto: the cost not yet recovered, over the shares

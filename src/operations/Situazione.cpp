@@ -25,7 +25,8 @@ std::optional<qsizetype> primaDelPeriodo(const QList<metastock::QuotaMS> &quote,
         return std::nullopt;
     const double obiettivo = numeroDataMS(inizioPeriodo(quote.last().data, periodo));
     for (qsizetype i = 0; i < quote.size(); ++i) {
-        if (double(quote[i].numeroData) >= obiettivo)
+        const double numero = quote[i].data.isValid() ? numeroDataMS(quote[i].data) : double(quote[i].numeroData);
+        if (numero >= obiettivo)
             return i;
     }
     return std::nullopt;

@@ -242,7 +242,7 @@ private Q_SLOTS:
         QTest::newRow("rounded to three decimals") << 10.0 << 2LL << 11.0 << 1LL << singolo(10.333) << 3LL;
         QTest::newRow("half rounds up") << 1.0 << 1LL << 1.001 << 1LL << singolo(1.001) << 2LL;
         QTest::newRow("a fourth decimal of the price") << 0.3333 << 3LL << 0.3333 << 3LL << singolo(0.333) << 6LL;
-        QTest::newRow("nothing held, nothing bought") << 12.5 << 0LL << 13.0 << 0LL << 13.0 << 0LL;
+        QTest::newRow("nothing held, nothing bought") << 12.5 << 0LL << 13.0 << 0LL << 12.5 << 0LL;
     }
     void acquisto()
     {
