@@ -5,6 +5,7 @@
 #include "operations/Importi.h"
 #include "operations/Operazioni.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace vm::operations {
@@ -18,18 +19,27 @@ double numeroDataMS(QDate d)
     return double(anno) * 10000 + d.month() * 100 + d.day();
 }
 
-// The index of the first quote of the period, or none when the walk meets no such quote.
-std::optional<qsizetype> primaDelPeriodo(const QList<metastock::QuotaMS> &quote, const Periodo &periodo)
+// Each quote's date as a MetaStock date number, worked out once for the seven periods.
+QList<double> numeriData(const QList<metastock::QuotaMS> &quote)
+{
+    QList<double> numeri;
+    numeri.reserve(quote.size());
+    for (const metastock::QuotaMS &q : quote)
+        numeri.append(q.data.isValid() ? numeroDataMS(q.data) : double(q.numeroData));
+    return numeri;
+}
+
+// The index of the first quote of the period, walking from the oldest; none when the walk meets no such quote.
+std::optional<qsizetype> primaDelPeriodo(
+    const QList<metastock::QuotaMS> &quote, const QList<double> &numeri, const Periodo &periodo)
 {
     if (quote.isEmpty() || !quote.last().data.isValid())
         return std::nullopt;
     const double obiettivo = numeroDataMS(inizioPeriodo(quote.last().data, periodo));
-    for (qsizetype i = 0; i < quote.size(); ++i) {
-        const double numero = quote[i].data.isValid() ? numeroDataMS(quote[i].data) : double(quote[i].numeroData);
-        if (numero >= obiettivo)
-            return i;
-    }
-    return std::nullopt;
+    const auto trovato = std::find_if(numeri.begin(), numeri.end(), [&](double n) { return n >= obiettivo; });
+    if (trovato == numeri.end())
+        return std::nullopt;
+    return trovato - numeri.begin();
 }
 
 } // namespace
@@ -94,10 +104,11 @@ QDate inizioPeriodo(QDate ultimo, const Periodo &periodo)
 QList<RigaPerformance> Performance(const QList<metastock::QuotaMS> &quote, QDate giornoAcquisto)
 {
     QList<RigaPerformance> righe;
+    const QList<double> numeri = numeriData(quote);
     for (const Periodo &p : kPeriodi) {
         RigaPerformance r;
         r.periodo = QString::fromLatin1(p.nome);
-        const std::optional<qsizetype> indice = primaDelPeriodo(quote, p);
+        const std::optional<qsizetype> indice = primaDelPeriodo(quote, numeri, p);
         if (!indice || *indice == 0) {
             r.testoGiorno = r.testoQuotazione = r.testoVariazione = QString::fromLatin1(kNonDisponibile);
             righe.append(r);
@@ -131,7 +142,7 @@ DatiGrafico graficoPeriodo(const QList<metastock::QuotaMS> &quote, int indice)
         g.messaggio = QString::fromLatin1(kMessaggioPochiDati);
         return g;
     }
-    const std::optional<qsizetype> primo = primaDelPeriodo(quote, p);
+    const std::optional<qsizetype> primo = primaDelPeriodo(quote, numeriData(quote), p);
     if (!primo || *primo == 0) {
         g.messaggio = QStringLiteral("Dati non disponibili per il periodo di ") + QString::fromLatin1(p.nome);
         return g;
