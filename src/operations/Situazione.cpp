@@ -1,7 +1,6 @@
 #include "operations/Situazione.h"
 
 #include "app/Format.h"
-#include "dossier/Valuation.h"
 #include "operations/Importi.h"
 #include "operations/Operazioni.h"
 
@@ -17,6 +16,17 @@ double numeroDataMS(QDate d)
 {
     const int anno = d.year() % 100 + (d.year() >= 2000 ? 100 : 0);
     return double(anno) * 10000 + d.month() * 100 + d.day();
+}
+
+// A stored number as a plain conversion shows it under the Italian settings: up to 15 significant digits,
+// comma decimals, no grouping ("12,5").
+QString testoNumero(double valore)
+{
+    if (valore == 0)
+        return QStringLiteral("0");
+    QString testo = QString::number(valore, 'g', 15);
+    testo.replace(u'.', u',');
+    return testo;
 }
 
 // Each quote's date as a MetaStock date number, worked out once for the seven periods.
@@ -86,7 +96,7 @@ QList<RigaOperazione> VediOperazioni(const QList<store::Operazione> &operazioni)
             : o.tipo == QLatin1String(store::kTipoVendita)      ? 1
                                                                 : 3;
         r.testoData = formatDate(o.data, "dd/mm/yy");
-        r.testoValore = dossier::testoNumeroSemplice(o.valore);
+        r.testoValore = testoNumero(o.valore);
         r.testoQta = QString::number(o.qta);
         r.testoSomma = formatPattern(o.tot(), kFormatoSomma);
         righe.append(r);
@@ -172,7 +182,7 @@ SituazioneTitolo TrovaTitolo(
     if (riga.dataStacco.isValid())
         s.dataStacco = formatDate(riga.dataStacco, "dd/mm/yyyy");
     if (riga.dividendo != 0) {
-        s.dividendo = dossier::testoNumeroSemplice(riga.dividendo);
+        s.dividendo = testoNumero(riga.dividendo);
         s.totaleDividendo = formatPattern(riga.dividendo * double(riga.qta), kFormatoTotaleDividendo);
         s.rendimento = formatPattern(riga.dividendo / riga.prezzo, kFormatoRendimento);
     }
