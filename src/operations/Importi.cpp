@@ -42,7 +42,7 @@ EsitoTasto filtraTasto(
         esito.campoSuccessivo = true;
         return esito;
     }
-    if (campo == CampoImporto::PrezzoNetto && tasto == u'.')
+    if ((campo == CampoImporto::PrezzoNetto || campo == CampoImporto::Commissione) && tasto == u'.')
         tasto = u',';
     if (tasto == kTastoIndietro) {
         esito.accettato = true;

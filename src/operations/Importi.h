@@ -27,7 +27,7 @@ enum class CampoImporto {
     Quantita, // Text2: digits only
     PrezzoMercato, // Text1: digits and one comma
     PrezzoNetto, // Text6: digits and one comma; "." is taken as ","
-    Commissione, // the fee fields: as a price
+    Commissione, // the fee fields and the dividend: as the net price
 };
 
 // A key as the field's key-press handler sees it.

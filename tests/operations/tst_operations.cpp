@@ -127,6 +127,8 @@ private Q_SLOTS:
                                                     << "2,5" << 1 << true << false;
         QTest::newRow("net: comma replacing the comma") << N << "2,5" << 1 << 1 << ","
                                                         << "2,5" << 2 << true << false;
+        QTest::newRow("fee: point becomes comma") << CampoImporto::Commissione << "0" << 1 << 0 << "."
+                                                  << "0," << 2 << true << false;
         QTest::newRow("market: comma") << M << "12" << 2 << 0 << ","
                                        << "12," << 3 << true << false;
         QTest::newRow("market: point refused") << M << "12" << 2 << 0 << "."
