@@ -154,7 +154,12 @@ class TestGuiOperations : public QObject
         return *r;
     }
 
-    QWidget *situation() { return TitleSituationWindow::open(*m_context, QStringLiteral("ABC")); }
+    // As a double click on the dossier's row asks for it.
+    QWidget *situation()
+    {
+        Q_EMIT m_events->titleSituationRequested(QStringLiteral("ABC"));
+        return TitleSituationWindow::instance();
+    }
 
 private Q_SLOTS:
     void initTestCase()
