@@ -334,6 +334,9 @@ void TitleSituationWindow::drawChart(int indice, bool tellWhy)
     const DatiGrafico dati = graficoPeriodo(m_quote, m_periodo);
     auto *chart = new QChart;
     chart->legend()->hide();
+    // Axis labels with the decimal comma, whatever the system's locale.
+    chart->setLocale(QLocale(QLocale::Italian));
+    chart->setLocalizeNumbers(true);
     const QColor dati_ = colore(m_context.settings, kColoreDati);
     const QColor sfondo = colore(m_context.settings, kColoreSfondo);
     const QColor assi = colore(m_context.settings, kColoreAssi);
@@ -412,6 +415,7 @@ void TitleSituationWindow::drawChart(int indice, bool tellWhy)
         minimo = std::min(minimo, 0.0);
     const double margine = std::max(0.01, (massimo - minimo) * 0.05);
     asseY->setRange(tipo == 3 ? minimo : minimo - margine, massimo + margine);
+    asseY->applyNiceNumbers();
     asseY->setLabelFormat(QStringLiteral("%.3g"));
     m_grafico->setChart(chart);
 }
