@@ -2,7 +2,9 @@
 
 #include "app/FolderCheckRunner.h"
 #include "app/MainWindow.h"
+#include "archives/ArchivesWindows.h"
 #include "auxiliary/AuxiliaryWindows.h"
+#include "gui/DataEvents.h"
 #include "gui/WindowContext.h"
 #include "security/SecurityWindows.h"
 
@@ -13,6 +15,10 @@ void registerWindows(MainWindow &mainWindow, const WindowContext &context)
     aux::registerWindows(context);
     registerFolderCheck(mainWindow, context);
     security::registerWindows(context);
+    archives::registerWindows(context);
+    // A saved folder list is checked at once, so that the commands that need ready archives follow it.
+    QObject::connect(
+        &context.events, &DataEvents::foldersChanged, &mainWindow, [&mainWindow] { mainWindow.VerificaDirMS(); });
 }
 
 } // namespace vm
