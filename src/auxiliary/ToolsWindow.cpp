@@ -4,6 +4,8 @@
 #include "gui/MessageBox.h"
 #include "gui/SingleWindow.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -84,7 +86,12 @@ void ToolsWindow::store(const QString &path)
 
 void ToolsWindow::browse()
 {
-    const QString path = ui::chooseFile(this, QStringLiteral("Selezionare il programma Quotaflusso..."));
+    // The picker opens where the stored path points, or as near to it as exists.
+    QString start = QFileInfo(m_text1->text().trimmed()).absolutePath();
+    while (!start.isEmpty() && !QFileInfo(start).isDir() && start != QDir::rootPath())
+        start = QFileInfo(start).absolutePath();
+    const QString path = ui::chooseFile(this, QStringLiteral("Selezionare il programma Quotaflusso..."),
+        m_text1->text().trimmed().isEmpty() ? QString() : start);
     if (path.isEmpty())
         return;
     if (isCompanionProgram(path)) {
