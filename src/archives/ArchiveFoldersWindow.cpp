@@ -120,6 +120,9 @@ ArchiveFoldersWindow::ArchiveFoldersWindow(const WindowContext &context)
         m_dir1->hideColumn(c);
     m_dir1->setHeaderHidden(true);
 
+    auto *browse = new QPushButton(themeIcon("folder-open"), QStringLiteral("S&foglia..."), group);
+    browse->setObjectName(QStringLiteral("Command6"));
+    browse->setToolTip(QStringLiteral("Sceglie la cartella con la finestra di selezione delle cartelle"));
     auto *add = new QPushButton(themeIcon("go-next"), QString(), group);
     add->setObjectName(QStringLiteral("Command1"));
     add->setToolTip(QStringLiteral("Aggiunge la cartella all'elenco"));
@@ -156,8 +159,9 @@ ArchiveFoldersWindow::ArchiveFoldersWindow(const WindowContext &context)
     groupLayout->addWidget(driveLabel, 0, 0);
     groupLayout->addWidget(m_drive1, 1, 0);
     groupLayout->addWidget(m_dir1, 2, 0);
-    groupLayout->addLayout(arrows, 0, 1, 3, 1);
-    groupLayout->addWidget(frame, 0, 2, 3, 1);
+    groupLayout->addWidget(browse, 3, 0, Qt::AlignLeft);
+    groupLayout->addLayout(arrows, 0, 1, 4, 1);
+    groupLayout->addWidget(frame, 0, 2, 4, 1);
     groupLayout->setColumnStretch(0, 2);
     groupLayout->setColumnStretch(2, 3);
 
@@ -208,6 +212,12 @@ ArchiveFoldersWindow::ArchiveFoldersWindow(const WindowContext &context)
     connect(m_dir1->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex &current) {
         if (current.isValid())
             m_dirPath = m_model->filePath(current);
+    });
+    connect(browse, &QPushButton::clicked, this, [this] {
+        const QString folder
+            = ui::chooseFolder(this, QStringLiteral("Selezionare la cartella dell'archivio metastock"), m_dirPath);
+        if (!folder.isEmpty())
+            setDir1Path(folder);
     });
     connect(add, &QPushButton::clicked, this, &ArchiveFoldersWindow::addFolder);
     connect(remove, &QPushButton::clicked, this, [this] { removeFolders(false); });

@@ -1,5 +1,7 @@
 #include "auxiliary/ToolsWindow.h"
 
+#include "auxiliary/FolderPicker.h"
+
 #include "core/Settings.h"
 #include "gui/MessageBox.h"
 #include "gui/SingleWindow.h"
@@ -86,13 +88,11 @@ void ToolsWindow::store(const QString &path)
 
 void ToolsWindow::browse()
 {
-    // The picker opens where the stored path points, or as near to it as exists.
-    QString start = QFileInfo(m_text1->text().trimmed()).absolutePath();
-    while (!start.isEmpty() && !QFileInfo(start).isDir() && start != QDir::rootPath())
-        start = QFileInfo(start).absolutePath();
-    const QString path = ui::chooseFile(this, QStringLiteral("Selezionare il programma Quotaflusso..."),
-        m_text1->text().trimmed().isEmpty() ? QString() : start);
-    if (path.isEmpty())
+    // Files as well as folders, file-system paths only, opening where the stored path points.
+    BrowseError cancelled;
+    const QString path = BrowseForFolder(this, QStringLiteral("Selezionare il programma Quotaflusso..."),
+        QFileInfo(m_text1->text().trimmed()).path(), kBifReturnOnlyFsDirs | kBifBrowseIncludeFiles, &cancelled);
+    if (cancelled.number == kBrowseCancelled || path.isEmpty())
         return;
     if (isCompanionProgram(path)) {
         m_text1->setText(path);

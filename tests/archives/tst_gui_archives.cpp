@@ -135,7 +135,10 @@ private Q_SLOTS:
         ArchiveFoldersWindow *f = openForm2(stored);
         QVERIFY(f && f->isVisible());
         testing::reset();
-        f->setDir1Path(folder);
+        testing::setNextPath(folder);
+        click(f, "Command6");
+        QCOMPARE(testing::pickerTitles(), QStringList { "Selezionare la cartella dell'archivio metastock" });
+        QCOMPARE(f->dir1Path(), QDir::cleanPath(folder));
         click(f, "Command1");
         QCOMPARE(lines(list4(f)), after);
         QCOMPARE(vmtest::shown(), QStringList { shown });
