@@ -5,6 +5,7 @@
 #include "auxiliary/HelpFiles.h"
 #include "auxiliary/HelpViewer.h"
 #include "auxiliary/ToolsWindow.h"
+#include "core/ProgramInfo.h"
 #include "store/Database.h"
 #include "support/TestSupport.h"
 
@@ -157,6 +158,70 @@ private Q_SLOTS:
         QCOMPARE(HelpViewerWindow::instance()->currentPane(), pane);
         if (!expected.isEmpty())
             QCOMPARE(page(), expected);
+    }
+
+    // What the program hands to the desktop, and what it says when nothing there can take it.
+    void handovers_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<bool>("launches");
+        QTest::addColumn<QString>("path"); // PATH for the calculator; empty: unchanged
+        QTest::addColumn<QString>("handed"); // what the desktop got; "*" any text
+        QTest::addColumn<QString>("shown");
+        const QString noOpener = vm::ui::noOpenerText();
+        const QString mail = QStringLiteral("mailto:") + vm::kPostaQuotaflusso
+            + "?subject=Informazioni, notizie, chiarimenti su Valorimetrico";
+        QTest::newRow("readme") << "m_leggimi" << true << ""
+                                << "valorimetrico_info.pdf"
+                                << "";
+        QTest::newRow("readme, no opener") << "m_leggimi" << false << ""
+                                           << "valorimetrico_info.pdf"
+                                           << "File non trovato|" + noOpener;
+        QTest::newRow("mail") << "m_ms_email" << true << "" << mail << "";
+        QTest::newRow("web page, no opener") << "m_mc_htm" << false << ""
+                                             << "valorimetrico.htm"
+                                             << "Valorimetrico|" + noOpener;
+        QTest::newRow("check report, no opener") << "crack" << false << ""
+                                                 << "MstkTestFiles.txt"
+                                                 << "Valorimetrico|" + noOpener;
+        QTest::newRow("calculator") << "calc" << true << "bin"
+                                    << "bin/xcalc"
+                                    << "";
+        QTest::newRow("no calculator") << "calc" << true << "vuota"
+                                       << ""
+                                       << "Calcolatrice|Nessuna calcolatrice trovata: installare gnome-calculator, "
+                                          "kcalc, galculator, qalculate-gtk oppure xcalc.";
+        QTest::newRow("companion missing") << "m_run_quotaflusso" << true << ""
+                                           << ""
+                                           << "Avvia Quotaflusso|File non trovato.";
+    }
+    void handovers()
+    {
+        QFETCH(QString, command);
+        QFETCH(bool, launches);
+        QFETCH(QString, path);
+        QFETCH(QString, handed);
+        QFETCH(QString, shown);
+        const QByteArray oldPath = qgetenv("PATH");
+        if (!path.isEmpty()) {
+            QDir().mkpath(m_tmp.path() + "/" + path);
+            if (path == "bin") {
+                vmtest::writeFile(m_tmp.path() + "/bin/xcalc", "#!/bin/sh\n");
+                QFile::setPermissions(m_tmp.path() + "/bin/xcalc", QFile::ReadOwner | QFile::ExeOwner);
+            }
+            qputenv("PATH", QFile::encodeName(m_tmp.path() + "/" + path));
+        }
+        testing::setLaunchSucceeds(launches);
+        m_main->findChild<QAction *>(command)->trigger();
+        qputenv("PATH", oldPath);
+        testing::setLaunchSucceeds(true);
+        QStringList got = testing::openedDocuments();
+        for (const QStringList &p : testing::startedPrograms())
+            got << p.join(' ');
+        QCOMPARE(got.size(), handed.isEmpty() ? 0 : 1);
+        if (!handed.isEmpty())
+            QVERIFY2(got.first().endsWith(handed), qPrintable(got.first()));
+        QCOMPARE(vmtest::shown(), shown.isEmpty() ? QStringList {} : QStringList { shown });
     }
 
     // Without the help file every operation says so and no viewer opens.
