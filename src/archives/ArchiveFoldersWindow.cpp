@@ -56,7 +56,9 @@ QTreeWidget *listView(const QString &name, const QList<std::tuple<const char *, 
     list->setHeaderLabels(captions);
     for (int i = 0; i < columns.size(); ++i) {
         const auto &[caption, twips, right] = columns[i];
-        list->setColumnWidth(i, std::max(px(twips), 1));
+        // The widths are the classic ones, but never narrower than the caption in today's fonts.
+        const int least = list->fontMetrics().horizontalAdvance(QString::fromUtf8(caption)) + 14;
+        list->setColumnWidth(i, twips <= 1 ? 1 : std::max(px(twips), least));
         if (right)
             list->headerItem()->setTextAlignment(i, Qt::AlignRight | Qt::AlignVCenter);
     }
@@ -203,9 +205,9 @@ ArchiveFoldersWindow::ArchiveFoldersWindow(const WindowContext &context)
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(group, 4);
-    layout->addLayout(titles, 4);
-    layout->addWidget(duplicates, 3);
-    resize(900, 680);
+    layout->addLayout(titles, 5);
+    layout->addWidget(duplicates, 2);
+    resize(920, 720);
     centreOnScreen(this);
 
     connect(m_drive1, &QComboBox::activated, this, &ArchiveFoldersWindow::driveChosen);
