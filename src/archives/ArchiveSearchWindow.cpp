@@ -115,6 +115,8 @@ ArchiveSearchWindow::ArchiveSearchWindow(const WindowContext &context)
     connect(m_command1, &QPushButton::clicked, this, &ArchiveSearchWindow::run);
     connect(m_command4, &QPushButton::clicked, this, &ArchiveSearchWindow::addChosen);
     connect(close, &QPushButton::clicked, this, &QWidget::close);
+    // Quitting the program while the walk runs stops it, so that nothing outlives its window.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { m_search.ferma(); });
 }
 
 void ArchiveSearchWindow::updateCaption()

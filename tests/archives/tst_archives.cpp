@@ -4,6 +4,7 @@
 #include "support/ArchiviProva.h"
 #include "support/TestSupport.h"
 
+#include <QProcess>
 #include <QtTest>
 
 #include <sys/stat.h>
@@ -107,6 +108,38 @@ private Q_SLOTS:
         QVERIFY(ricerca.fermata());
         QCOMPARE(ricerca.cartelleVisitate(), 5);
         QVERIFY(trovati.size() < 6);
+    }
+
+    // The same search from the command line: sorted, one folder per line; usage and missing folder.
+    void rigaDiComando_data()
+    {
+        QTest::addColumn<QStringList>("argomenti");
+        QTest::addColumn<int>("stato");
+        QTest::addColumn<QStringList>("righe");
+        QTest::newRow("compatibili") << QStringList { "@", "--compatibili" } << 0
+                                     << QStringList { ".nascosto/", "marcato/", "minuscolo/", "solalettura/dentro/" };
+        QTest::newRow("tutte") << QStringList { "@" } << 0
+                               << QStringList { ".nascosto/", "a/b/c/d/profondo/", "marcato/", "minuscolo/",
+                                      "nonmarcato/", "solalettura/dentro/" };
+        QTest::newRow("sottocartella") << QStringList { "--compatibili", "@/solalettura" } << 0
+                                       << QStringList { "solalettura/dentro/" };
+        QTest::newRow("cartella assente") << QStringList { "@/assente" } << 1 << QStringList {};
+        QTest::newRow("due cartelle") << QStringList { "@", "@" } << 2 << QStringList {};
+        QTest::newRow("opzione sconosciuta") << QStringList { "@", "--tutte" } << 2 << QStringList {};
+    }
+    void rigaDiComando()
+    {
+        QFETCH(QStringList, argomenti);
+        QFETCH(int, stato);
+        QFETCH(QStringList, righe);
+        argomenti.replaceInStrings("@", m_radice);
+        QProcess p;
+        p.start(QStringLiteral(VM_CLI_PATH), QStringList { "cerca-archivi" } + argomenti);
+        QVERIFY(p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit);
+        QCOMPARE(p.exitCode(), stato);
+        QStringList uscita = QString::fromUtf8(p.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
+        uscita.replaceInStrings(m_radice + "/", "");
+        QCOMPARE(uscita, righe);
     }
 
     void illeggibile()
