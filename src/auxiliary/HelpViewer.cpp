@@ -360,6 +360,11 @@ void HtmlHelp::HelpContextPop(int controlId)
 
 void showHelp(QWidget *owner, const ProgramState &state, const QString &windowName)
 {
+    // F1 in the viewer itself leaves the page being read where it is.
+    if (HelpViewerWindow *v = HelpViewerWindow::instance(); v && windowName == v->objectName()) {
+        v->raise();
+        return;
+    }
     HtmlHelp help(owner, fileProgramma(QString::fromLatin1(kFileGuida), state));
     if (help.HelpFile().isEmpty()) {
         ui::message(owner, HtmlHelp::missingText(), HtmlHelp::missingTitle(), ui::Icon::Exclamation);

@@ -95,7 +95,9 @@ private Q_SLOTS:
         if (!command.isEmpty())
             m_main->findChild<QAction *>(command)->trigger();
         if (!window.isEmpty()) {
-            QWidget *w = window == "MDIForm1" ? m_main.get() : m_main->findChild<QWidget *>(window);
+            QWidget *w = window == "MDIForm1" ? m_main.get()
+                : window == "HelpViewer"      ? HelpViewerWindow::instance()
+                                              : m_main->findChild<QWidget *>(window);
             QVERIFY(w && w->isVisible());
             QWidget *target = focus.isEmpty() ? w : w->findChild<QWidget *>(focus);
             QVERIFY(target);
