@@ -251,6 +251,8 @@ void ArchiveFoldersWindow::load()
     if (!stored) {
         ui::message(this, store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()), {},
             ui::Icon::Critical);
+        // A list that could not be read must not be saved over the stored one as if it were empty.
+        findChild<QPushButton *>(QStringLiteral("Command3"))->setEnabled(false);
     }
     for (const QString &path : stored.value_or(QStringList {}))
         addFolderLine(path);

@@ -305,6 +305,21 @@ private Q_SLOTS:
                   "nella cartella");
     }
 
+    // A folder list that cannot be read is said so and cannot be saved over the stored one.
+    void unreadableList()
+    {
+        QVERIFY(m_db->replaceFolders({ dir("serie") + "/" }));
+        m_db->close();
+        m_main->findChild<QAction *>(QStringLiteral("ms"))->trigger();
+        ArchiveFoldersWindow *f = ArchiveFoldersWindow::instance();
+        QCOMPARE(vmtest::shown().size(), 1);
+        QVERIFY(vmtest::shown().first().contains("Impossibile leggere l'elenco delle cartelle MetaStock"));
+        QCOMPARE(list4(f)->topLevelItemCount(), 0);
+        QVERIFY(!child<QPushButton>(f, "Command3")->isEnabled());
+        QVERIFY(m_db->open(m_dbPath).ok());
+        QCOMPARE(*m_db->folders(), QStringList { dir("serie") + "/" });
+    }
+
     // The search with its filter finds what it should, and "Chiudi" stops it half-way and closes it.
     void search_data()
     {
