@@ -189,13 +189,6 @@ private Q_SLOTS:
         QCOMPARE(statoDisco("/", { "/" }), StatoDisco::Pronto);
         QCOMPARE(statoDisco(m_tmp.path() + "/assente", { "/" }), StatoDisco::Mancante);
         QCOMPARE(statoDisco("/mnt/valorimetrico-assente", { "/" }), StatoDisco::Mancante);
-        // A medium's folder with nothing mounted on it is no drive, a mounted one is.
-        const QString supporto = QStringLiteral("/mnt/valorimetrico-prova-%1").arg(::getpid());
-        if (QDir().mkpath(supporto)) {
-            QCOMPARE(statoDisco(supporto, { "/" }), StatoDisco::Mancante);
-            QCOMPARE(statoDisco(supporto, { "/", supporto }), StatoDisco::Pronto);
-            QDir().rmdir(supporto);
-        }
     }
 
     // The same symbol twice, in two folders or in one, and letter case ignored; a missing folder adds nothing.
