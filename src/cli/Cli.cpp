@@ -1,5 +1,6 @@
 #include "cli/Cli.h"
 
+#include "cli/CmdCercaArchivi.h"
 #include "cli/CmdDemo.h"
 #include "cli/CmdDossier.h"
 #include "cli/CmdMetastock.h"
@@ -20,6 +21,7 @@ const CommandInfo kCommands[] = {
     { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
     { "crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio },
     { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
+    { "cerca-archivi", "cerca le cartelle di archivi MetaStock sotto una cartella", cmdCercaArchivi },
     { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
     { "titolo", "mostra la situazione, le operazioni e la performance di un titolo", vm::operations::cmdTitolo },
