@@ -2,6 +2,7 @@
 
 #include "cli/CmdDemo.h"
 #include "cli/CmdDossier.h"
+#include "cli/CmdListino.h"
 #include "cli/CmdMetastock.h"
 #include "cli/CmdStore.h"
 #include "cli/CmdVerifica.h"
@@ -21,6 +22,7 @@ const CommandInfo kCommands[] = {
     { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
     { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
+    { "listino", "le ultime quotazioni dei titoli di una lettera, del dossier o di un gruppo", vm::quotes::cmdListino },
 };
 
 void printHelp(QTextStream &out)
