@@ -4,6 +4,7 @@
 #include "app/MainWindow.h"
 #include "auxiliary/AuxiliaryWindows.h"
 #include "gui/WindowContext.h"
+#include "quotes/QuoteWindows.h"
 #include "security/SecurityWindows.h"
 
 namespace vm {
@@ -13,6 +14,7 @@ void registerWindows(MainWindow &mainWindow, const WindowContext &context)
     aux::registerWindows(context);
     registerFolderCheck(mainWindow, context);
     security::registerWindows(context);
+    quotes::registerWindows(context);
 }
 
 } // namespace vm
