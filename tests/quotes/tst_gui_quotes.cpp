@@ -2,6 +2,7 @@
 // controls' names as the user would drive them.
 #include "app/MainWindow.h"
 #include "core/Settings.h"
+#include "gui/DataEvents.h"
 #include "gui/MessageBox.h"
 #include "metastock/ArchiveWriter.h"
 #include "quotes/GroupsEditorWindow.h"
@@ -297,6 +298,76 @@ private Q_SLOTS:
         QCOMPARE(schede->count(), 1);
         QCOMPARE(schede->tabText(0), QStringLiteral("Misti"));
         editor->close();
+    }
+
+    // What the board hears from the other windows: each change reloads only the list it concerns.
+    void eventi_data()
+    {
+        using Lista = QuoteBoardWindow::Lista;
+        QTest::addColumn<int>("lista");
+        QTest::addColumn<QString>("evento");
+        QTest::addColumn<int>("righe"); // after the event
+        QTest::addColumn<QStringList>("avvisi"); // shown by the event
+        QTest::addColumn<bool>("scheda"); // TabStrip2 shows the new group
+        const QStringList manca { "Valorimetrico|Spiacente, ma non trovo la directory "
+            + m_tmp.filePath(QStringLiteral("manca/")) + QStringLiteral(" #%1").arg(int(ui::Icon::Exclamation)) };
+        QTest::newRow("folders saved: the letter read again")
+            << int(Lista::Lettere) << "cartelle" << 0 << manca << false;
+        QTest::newRow("a title bought: the dossier list follows")
+            << int(Lista::Dossier) << "dossier" << 1 << QStringList() << false;
+        QTest::newRow("a title bought: the letter list is not read again")
+            << int(Lista::Lettere) << "dossier" << 7 << QStringList() << false;
+        QTest::newRow("a group made: the letter lines stay, the tabs follow")
+            << int(Lista::Lettere) << "gruppi" << 7 << QStringList() << true;
+        QTest::newRow("a group made: the group list starts again")
+            << int(Lista::Gruppi) << "gruppi" << 0 << QStringList() << true;
+    }
+    void eventi()
+    {
+        QFETCH(int, lista);
+        QFETCH(QString, evento);
+        QFETCH(int, righe);
+        QFETCH(QStringList, avvisi);
+        QFETCH(bool, scheda);
+        const QString uno = m_tmp.filePath(QStringLiteral("uno/"));
+        const QString grande = m_tmp.filePath(QStringLiteral("grande/"));
+        QuoteBoardWindow *board = QuoteBoardWindow::open(context(), QuoteBoardWindow::Lista(lista), true);
+        auto *elenco = figlio<QTreeWidget>(board, "ListView1");
+        DataEvents &eventi = vmtest::program().events;
+        ui::testing::reset();
+        std::optional<qint64> titolo;
+        if (evento == u"cartelle") {
+            QVERIFY(m_db->replaceFolders({ m_manca, grande }));
+            Q_EMIT eventi.foldersChanged();
+        } else if (evento == u"dossier") {
+            store::DossierRow r;
+            r.titolo = QStringLiteral("AO");
+            r.descrizione = QStringLiteral("ALFA OGGI");
+            r.giorno = QDate::currentDate();
+            r.qta = 1;
+            titolo = m_db->insertTitle(r);
+            QVERIFY(titolo);
+            Q_EMIT eventi.dossierChanged();
+        } else {
+            store::GruppoRow r;
+            r.simbolo = QStringLiteral("AO");
+            r.titolo = QStringLiteral("ALFA OGGI");
+            QVERIFY(m_db->addGroup(QStringLiteral("Eventi"), { r }));
+            Q_EMIT eventi.groupsChanged();
+        }
+        const QStringList mostratiEvento = mostrati();
+        const int righeEvento = elenco->topLevelItemCount();
+        QStringList schede;
+        for (const QTabBar *t = figlio<QTabBar>(board, "TabStrip2"); schede.size() < t->count();)
+            schede << t->tabText(int(schede.size()));
+        QVERIFY(m_db->replaceFolders({ uno, m_manca, grande }));
+        if (titolo)
+            QVERIFY(m_db->deleteTitle(*titolo));
+        QVERIFY(m_db->deleteGroup(QStringLiteral("Eventi")));
+
+        QCOMPARE(mostratiEvento, avvisi);
+        QCOMPARE(righeEvento, righe);
+        QCOMPARE(schede.contains(QStringLiteral("Eventi")), scheda);
     }
 };
 
