@@ -210,6 +210,38 @@ private Q_SLOTS:
         QCOMPARE(tabella(), dopo);
     }
 
+    // A database that cannot be read: every command says so and nothing passes for written or for empty.
+    void archivioIlleggibile_data()
+    {
+        QTest::addColumn<QString>("comando");
+        QTest::newRow("the tree") << "albero";
+        QTest::newRow("a new group") << "crea";
+        QTest::newRow("titles added") << "aggiungi";
+        QTest::newRow("titles removed") << "rimuovi";
+    }
+    void archivioIlleggibile()
+    {
+        QFETCH(QString, comando);
+        aggiungi(QStringLiteral("Ori"), QStringLiteral("T1"), QStringLiteral("TITOLO T1"));
+        m_db->close();
+        if (comando == u"albero") {
+            QVERIFY(!CaricaGruppi(*m_db));
+            return;
+        }
+        EsitoGruppi e;
+        if (comando == u"crea")
+            e = creaGruppo(*m_db, QStringLiteral("Nuovo"), offerti(2));
+        else if (comando == u"aggiungi")
+            e = aggiungiAlGruppo(*m_db, QStringLiteral("Ori"), offerti(2));
+        else
+            e = quotes::rimuovi(*m_db, { { QStringLiteral("Ori"), QStringLiteral("TITOLO T1") } }, {}, {});
+        QVERIFY(!e.scritto);
+        QVERIFY(e.salvati.isEmpty());
+        QCOMPARE(e.avvisi.size(), 1);
+        QCOMPARE(e.avvisi[0].icona, AvvisoGruppi::Icona::Critica);
+        QCOMPARE(e.avvisi[0].testo, m_db->lastError().message);
+    }
+
     // The same title in two groups: two nodes, two keys (symbol trimmed + ID).
     void chiaviDelloStessoTitolo()
     {
