@@ -12,6 +12,7 @@
 #include "store/Database.h"
 #include "support/TestSupport.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QChartView>
 #include <QCheckBox>
@@ -298,6 +299,58 @@ private Q_SLOTS:
         QCOMPARE(schede->count(), 1);
         QCOMPARE(schede->tabText(0), QStringLiteral("Misti"));
         editor->close();
+    }
+
+    // The main window's quote commands, as the user triggers them from the toolbars.
+    void comandi_data()
+    {
+        QTest::addColumn<int>("barra");
+        QTest::addColumn<QString>("tasto");
+        QTest::addColumn<QString>("finestra");
+        QTest::addColumn<QString>("schede"); // the board's tab strips shown
+        QTest::newRow("day quotes: letters, no chart") << 1 << "giornata"
+                                                       << "Form13"
+                                                       << "TabStrip1";
+        QTest::newRow("dossier day: no tabs") << 1 << "giornatadoss"
+                                              << "Form13"
+                                              << "";
+        QTest::newRow("personal titles: the group tabs") << 2 << "personali"
+                                                         << "Form13"
+                                                         << "TabStrip2";
+        QTest::newRow("all titles: letters") << 2 << "az"
+                                             << "Form13"
+                                             << "TabStrip1";
+        QTest::newRow("personal groups: the editor") << 2 << "gruppi"
+                                                     << "Form3"
+                                                     << "";
+    }
+    void comandi()
+    {
+        QFETCH(int, barra);
+        QFETCH(QString, tasto);
+        QFETCH(QString, finestra);
+        QFETCH(QString, schede);
+        m_main->setArchivesReady(true);
+        QAction *azione = m_main->button(barra, tasto);
+        QVERIFY(azione && azione->isEnabled());
+        azione->trigger();
+        if (finestra == u"Form3") {
+            GroupsEditorWindow *editor = GroupsEditorWindow::instance();
+            QVERIFY(editor && editor->isVisible());
+            QCOMPARE(editor->objectName(), finestra);
+            editor->close();
+            return;
+        }
+        QuoteBoardWindow *board = QuoteBoardWindow::instance();
+        QVERIFY(board && board->isVisible());
+        QStringList mostrate;
+        for (const char *nome : { "TabStrip1", "TabStrip2" }) {
+            if (figlio<QTabBar>(board, nome)->isVisibleTo(board))
+                mostrate << QString::fromLatin1(nome);
+        }
+        QCOMPARE(mostrate.join(u','), schede);
+        if (tasto == u"giornata")
+            QVERIFY(!figlio<QWidget>(board, "PannelloGrafico")->isVisibleTo(board));
     }
 
     // What the board hears from the other windows: each change reloads only the list it concerns.
