@@ -6,6 +6,7 @@
 #include "gui/ProgressBar.h"
 #include "gui/Shell.h"
 #include "metastock/Prezzi.h"
+#include "quotes/GroupsEditorWindow.h"
 #include "quotes/QuoteCharts.h"
 #include "store/Database.h"
 
@@ -17,6 +18,7 @@
 #include <QMdiSubWindow>
 #include <QScrollBar>
 #include <QTabBar>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -165,8 +167,20 @@ QuoteBoardWindow::QuoteBoardWindow(const WindowContext &context)
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
+    // The group tabs, and beside them the way to the groups editor that makes them.
+    m_rigaGruppi = new QWidget(this);
+    auto *modificaGruppi = new QToolButton(m_rigaGruppi);
+    modificaGruppi->setObjectName(QStringLiteral("ModificaGruppi"));
+    modificaGruppi->setText(QStringLiteral("Gruppi..."));
+    modificaGruppi->setToolTip(QStringLiteral("Creazione gruppi titoli"));
+    connect(modificaGruppi, &QToolButton::clicked, this, [this] { GroupsEditorWindow::open(m_context); });
+    auto *lr = new QHBoxLayout(m_rigaGruppi);
+    lr->setContentsMargins(0, 0, 0, 0);
+    m_gruppi->setParent(m_rigaGruppi);
+    lr->addWidget(m_gruppi, 1);
+    lr->addWidget(modificaGruppi);
     layout->addWidget(m_lettere);
-    layout->addWidget(m_gruppi);
+    layout->addWidget(m_rigaGruppi);
     layout->addWidget(m_lista, 1);
     layout->addWidget(m_avanzamento);
     layout->addWidget(m_pannelloGrafico, 2);
@@ -223,7 +237,15 @@ QuoteBoardWindow *QuoteBoardWindow::open(const WindowContext &context, Lista lis
         sub->show();
     w->show();
     w->raise();
-    w->caricaLista();
+    if (lista == Lista::Gruppi) {
+        w->CaricaGruppiPersonali();
+    } else if (lista == Lista::Personali) {
+        if (w->m_gruppi->count() == 0)
+            w->caricaSchedeGruppi();
+        w->CaricaPersonali();
+    } else {
+        w->caricaLista();
+    }
     return w;
 }
 
@@ -237,6 +259,7 @@ void QuoteBoardWindow::caricaLista()
         CercaTitoloDossier();
         break;
     case Lista::Gruppi:
+    case Lista::Personali:
         CaricaGruppiPersonali();
         if (!m_gruppo.isEmpty())
             CaricaPersonali();
@@ -260,9 +283,11 @@ bool QuoteBoardWindow::leggiCartelle(QStringList &cartelle)
 
 void QuoteBoardWindow::mostraLista(Lista lista)
 {
+    if (lista == Lista::Personali)
+        lista = Lista::Gruppi;
     m_modo = lista;
     m_lettere->setVisible(lista == Lista::Lettere);
-    m_gruppi->setVisible(lista == Lista::Gruppi);
+    m_rigaGruppi->setVisible(lista == Lista::Gruppi);
 }
 
 void QuoteBoardWindow::hideEvent(QHideEvent *event)

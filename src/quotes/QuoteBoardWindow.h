@@ -29,7 +29,9 @@ class QuoteBoardWindow : public QWidget
 {
     Q_OBJECT
 public:
-    enum class Lista { Lettere, Dossier, Gruppi };
+    // The board's lists; Gruppi and Personali are the same list of group tabs, the first showing the
+    // tabs alone, the second the lines of the group chosen too.
+    enum class Lista { Lettere, Dossier, Gruppi, Personali };
 
     // Opens (or brings forward) the one board, in the main window's frame, showing the given list.
     static QuoteBoardWindow *open(const WindowContext &context, Lista lista, bool graficoVisibile);
@@ -70,6 +72,7 @@ private:
     QTreeWidget *m_lista; // ListView1
     QTabBar *m_lettere; // TabStrip1
     QTabBar *m_gruppi; // TabStrip2
+    QWidget *m_rigaGruppi; // TabStrip2 and the button of the groups editor
     QWidget *m_avanzamento; // Picture1
     ProgressBar *m_barra;
     QWidget *m_pannelloGrafico;

@@ -6,8 +6,8 @@ struct WindowContext;
 
 namespace vm::quotes {
 
-// The quote board behind the quote commands of the toolbars (letters, dossier, personal groups, all
-// titles) and the groups editor behind "gruppi".
+// The quote board behind the quote commands of the menus and toolbars: the titles of a letter, of the
+// dossier, of a personal group.
 void registerWindows(const WindowContext &context);
 
 } // namespace vm::quotes

@@ -25,6 +25,7 @@
 #include <QTabBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolButton>
 #include <QTreeWidget>
 
 #include <memory>
@@ -301,28 +302,39 @@ private Q_SLOTS:
         editor->close();
     }
 
-    // The main window's quote commands, as the user triggers them from the toolbars.
+    // The main window's quote commands, as the user triggers them from the toolbars, and the board's
+    // own way to the groups editor (toolbar 0: the board's button).
     void comandi_data()
     {
         QTest::addColumn<int>("barra");
         QTest::addColumn<QString>("tasto");
         QTest::addColumn<QString>("finestra");
         QTest::addColumn<QString>("schede"); // the board's tab strips shown
+        QTest::addColumn<QString>("righe"); // "0" none, "+" some, "" not looked at
         QTest::newRow("day quotes: letters, no chart") << 1 << "giornata"
                                                        << "Form13"
-                                                       << "TabStrip1";
+                                                       << "TabStrip1"
+                                                       << "+";
         QTest::newRow("dossier day: no tabs") << 1 << "giornatadoss"
                                               << "Form13"
+                                              << ""
                                               << "";
-        QTest::newRow("personal titles: the group tabs") << 2 << "personali"
+        QTest::newRow("personal groups: the tabs alone") << 2 << "gruppi"
                                                          << "Form13"
-                                                         << "TabStrip2";
+                                                         << "TabStrip2"
+                                                         << "0";
+        QTest::newRow("personal titles: the chosen group's lines") << 2 << "personali"
+                                                                   << "Form13"
+                                                                   << "TabStrip2"
+                                                                   << "+";
         QTest::newRow("all titles: letters") << 2 << "az"
                                              << "Form13"
-                                             << "TabStrip1";
-        QTest::newRow("personal groups: the editor") << 2 << "gruppi"
-                                                     << "Form3"
-                                                     << "";
+                                             << "TabStrip1"
+                                             << "+";
+        QTest::newRow("the board's groups button: the editor") << 0 << "ModificaGruppi"
+                                                               << "Form3"
+                                                               << ""
+                                                               << "";
     }
     void comandi()
     {
@@ -330,10 +342,19 @@ private Q_SLOTS:
         QFETCH(QString, tasto);
         QFETCH(QString, finestra);
         QFETCH(QString, schede);
+        QFETCH(QString, righe);
+        QVERIFY(m_db->addGroup(
+            QStringLiteral("Comandi"), { { 0, {}, QStringLiteral("AO"), QStringLiteral("ALFA OGGI") } }));
         m_main->setArchivesReady(true);
-        QAction *azione = m_main->button(barra, tasto);
-        QVERIFY(azione && azione->isEnabled());
-        azione->trigger();
+        if (barra == 0) {
+            QuoteBoardWindow *board = QuoteBoardWindow::open(context(), QuoteBoardWindow::Lista::Gruppi, true);
+            QTest::mouseClick(figlio<QToolButton>(board, "ModificaGruppi"), Qt::LeftButton);
+        } else {
+            QAction *azione = m_main->button(barra, tasto);
+            QVERIFY(azione && azione->isEnabled());
+            azione->trigger();
+        }
+        QVERIFY(m_db->deleteGroup(QStringLiteral("Comandi")));
         if (finestra == u"Form3") {
             GroupsEditorWindow *editor = GroupsEditorWindow::instance();
             QVERIFY(editor && editor->isVisible());
@@ -349,6 +370,11 @@ private Q_SLOTS:
                 mostrate << QString::fromLatin1(nome);
         }
         QCOMPARE(mostrate.join(u','), schede);
+        const int n = figlio<QTreeWidget>(board, "ListView1")->topLevelItemCount();
+        if (righe == u"0")
+            QCOMPARE(n, 0);
+        else if (righe == u"+")
+            QVERIFY(n > 0);
         if (tasto == u"giornata")
             QVERIFY(!figlio<QWidget>(board, "PannelloGrafico")->isVisibleTo(board));
     }
