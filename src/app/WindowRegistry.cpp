@@ -4,6 +4,7 @@
 #include "app/MainWindow.h"
 #include "auxiliary/AuxiliaryWindows.h"
 #include "gui/WindowContext.h"
+#include "operations/OperationsWindows.h"
 #include "quotes/QuoteWindows.h"
 #include "security/SecurityWindows.h"
 
@@ -14,6 +15,7 @@ void registerWindows(MainWindow &mainWindow, const WindowContext &context)
     aux::registerWindows(context);
     registerFolderCheck(mainWindow, context);
     security::registerWindows(context);
+    operations::registerWindows(context);
     quotes::registerWindows(context);
 }
 

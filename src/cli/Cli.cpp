@@ -5,6 +5,7 @@
 #include "cli/CmdListino.h"
 #include "cli/CmdMetastock.h"
 #include "cli/CmdStore.h"
+#include "cli/CmdTitolo.h"
 #include "cli/CmdVerifica.h"
 #include "core/ProgramInfo.h"
 
@@ -22,6 +23,7 @@ const CommandInfo kCommands[] = {
     { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
     { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
+    { "titolo", "mostra la situazione, le operazioni e la performance di un titolo", vm::operations::cmdTitolo },
     { "listino", "le ultime quotazioni dei titoli di una lettera, del dossier o di un gruppo", vm::quotes::cmdListino },
 };
 
