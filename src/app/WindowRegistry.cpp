@@ -9,6 +9,7 @@
 #include "gui/DataEvents.h"
 #include "gui/WindowContext.h"
 #include "operations/OperationsWindows.h"
+#include "quotes/QuoteWindows.h"
 #include "security/SecurityWindows.h"
 
 #include <QApplication>
@@ -22,6 +23,7 @@ void registerWindows(MainWindow &mainWindow, const WindowContext &context)
     security::registerWindows(context);
     operations::registerWindows(context);
     archives::registerWindows(context);
+    quotes::registerWindows(context);
     const ProgramState &state = context.state;
     qApp->installEventFilter(new HelpKey(mainWindow, [&state, &mainWindow](QWidget *, const QString &name) {
         aux::showHelp(&mainWindow, state, name.isEmpty() ? QStringLiteral("MDIForm1") : name);

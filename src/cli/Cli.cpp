@@ -3,6 +3,7 @@
 #include "cli/CmdCercaArchivi.h"
 #include "cli/CmdDemo.h"
 #include "cli/CmdDossier.h"
+#include "cli/CmdListino.h"
 #include "cli/CmdMetastock.h"
 #include "cli/CmdStore.h"
 #include "cli/CmdTitolo.h"
@@ -25,6 +26,7 @@ const CommandInfo kCommands[] = {
     { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
     { "titolo", "mostra la situazione, le operazioni e la performance di un titolo", vm::operations::cmdTitolo },
+    { "listino", "le ultime quotazioni dei titoli di una lettera, del dossier o di un gruppo", vm::quotes::cmdListino },
 };
 
 void printHelp(QTextStream &out)
