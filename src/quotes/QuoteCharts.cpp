@@ -141,6 +141,9 @@ QuoteCharts::QuoteCharts(QWidget *parent)
     for (QChartView *v : { m_graph1, m_graph2 }) {
         v->setRenderHint(QPainter::Antialiasing, false);
         v->chart()->legend()->hide();
+        // Axis labels with the decimal comma and the thousands point, whatever the system's locale.
+        v->chart()->setLocale(QLocale(QLocale::Italian));
+        v->chart()->setLocalizeNumbers(true);
         v->chart()->setMargins(QMargins(2, 2, 2, 2));
         v->viewport()->installEventFilter(this);
     }
@@ -291,7 +294,7 @@ void QuoteCharts::disegna(const DatiGrafico &d, const StileGrafico &stile, bool 
     vy->setTickCount(2);
     vx->setLabelsVisible(false); // the dates are read on the price chart above
     vx->setTickCount(6);
-    vy->setLabelFormat(QStringLiteral("%.3g"));
+    vy->setLabelFormat(QStringLiteral("%.0f"));
     std::vector<double> xs(k), zero(k, 0.0), volume(k), nessuno(k, std::nan(""));
     for (qsizetype i = 0; i < k; ++i) {
         xs[i] = ascissa(d.punti[i].data);
