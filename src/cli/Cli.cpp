@@ -3,6 +3,7 @@
 #include "cli/CmdDemo.h"
 #include "cli/CmdDossier.h"
 #include "cli/CmdMetastock.h"
+#include "cli/CmdSafety.h"
 #include "cli/CmdStore.h"
 #include "cli/CmdVerifica.h"
 #include "core/ProgramInfo.h"
@@ -21,6 +22,8 @@ const CommandInfo kCommands[] = {
     { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
     { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
+    { "backup", "fa subito una copia dell'archivio dati nella cartella backup", cmdBackup },
+    { "ripristina", "rimette al posto dell'archivio dati una sua copia verificata", cmdRipristina },
 };
 
 void printHelp(QTextStream &out)
@@ -41,6 +44,16 @@ QString csvField(const QString &text)
     if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') && !text.contains(u'\r'))
         return text;
     return u'"' + QString(text).replace(QStringLiteral("\""), QStringLiteral("\"\"")) + u'"';
+}
+
+QString csvText(const QString &text)
+{
+    // A spreadsheet runs a cell beginning with one of these as a formula ("=HYPERLINK(...)" in a title's name);
+    // a leading apostrophe makes it text there and is easy for other programs to strip.
+    static constexpr QStringView kFormulaStart = u"=+-@\t\r";
+    if (!text.isEmpty() && kFormulaStart.contains(text.front()))
+        return csvField(u'\'' + text);
+    return csvField(text);
 }
 
 bool wantsHelp(const QStringList &args)
