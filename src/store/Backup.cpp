@@ -210,6 +210,8 @@ QStringList prune(const QString &folder)
     std::reverse(copies.begin(), copies.end());
     QStringList removed;
     int dailyKept = 0;
+    int weeklyKept = 0;
+    // Weeks that have a copy kept already: a daily one, or their newest as the weekly one.
     QList<std::pair<int, int>> weeks;
     QMap<QString, int> othersKept;
     for (const Listed &c : std::as_const(copies)) {
@@ -217,15 +219,16 @@ QStringList prune(const QString &folder)
         if (c.kind.isEmpty()) {
             int year = 0;
             const int week = c.day.weekNumber(&year);
+            const bool weekSeen = weeks.contains(std::pair(year, week));
             if (dailyKept < kDailyKept) {
                 ++dailyKept;
                 keep = true;
-            } else if (!weeks.contains(std::pair(year, week)) && weeks.size() < kWeeklyKept) {
-                weeks.append({ year, week });
+            } else if (!weekSeen && weeklyKept < kWeeklyKept) {
+                ++weeklyKept;
                 keep = true;
-            } else if (weeks.contains(std::pair(year, week))) {
-                keep = false; // the week has its newest copy already
             }
+            if (keep && !weekSeen)
+                weeks.append({ year, week });
         } else {
             keep = othersKept[c.kind]++ < kOthersKept;
         }
