@@ -43,10 +43,11 @@ QString numeroCsv(double valore)
 
 // What keeps an unattended run from recording the day's total: every configured folder must be read whole and
 // every title valued at a quote of its own, or the total would be short of the true one by what is missing.
-QStringList ostacoliRegistrazione(const QStringList &cartelle, const Valutazione &v)
+QStringList ostacoliRegistrazione(const QStringList &cartelle, qsizetype titoli, const Valutazione &v)
 {
     QStringList ostacoli;
-    if (!v.eseguita)
+    // An empty dossier without folders (a first start) has nothing to value: its total of 0 is right.
+    if (!v.eseguita && titoli > 0)
         ostacoli << QStringLiteral("nessuna cartella MetaStock impostata");
     for (const QString &percorso : cartelle) {
         const metastock::CartellaMS c = metastock::CartellaMS::leggi(percorso);
@@ -182,7 +183,7 @@ int cmdDossier(const QStringList &arguments, cli::Io &io)
 
     if (!registra)
         return cli::Ok;
-    if (const QStringList ostacoli = ostacoliRegistrazione(*cartelle, v); !ostacoli.isEmpty()) {
+    if (const QStringList ostacoli = ostacoliRegistrazione(*cartelle, titoli->size(), v); !ostacoli.isEmpty()) {
         io.err << "Valore del giorno non registrato nello storico: il totale non comprende tutto il dossier.\n";
         for (const QString &o : ostacoli)
             io.err << "  " << o << "\n";

@@ -118,6 +118,7 @@ private Q_SLOTS:
         row("registra, 60-byte MASTER", "MASTER:60", registra, 3, "elenca 2 titoli");
         row("registra, folder gone", "-:gone", registra, 3, "non trovata");
         row("registra, folder is a file", "-:file", registra, 3, "cartella");
+        row("registra, titles and no folder", "-:nofolders", registra, 3, "nessuna cartella");
     }
     void hostileArchives()
     {
@@ -136,6 +137,8 @@ private Q_SLOTS:
             QVERIFY(QFile::resize(file, 60));
         else if (kind == QLatin1String("gone"))
             QVERIFY(QDir(archive('b')).removeRecursively());
+        else if (kind == QLatin1String("nofolders"))
+            QCOMPARE(test::rawSql(database(), { "DELETE FROM directory" }), QVariant());
         else if (kind == QLatin1String("file"))
             QVERIFY(QDir(archive('b')).removeRecursively() && metastock::scriviFile(archive('b'), "x"));
         args.replaceInStrings(QStringLiteral("B"), archive('b'));
