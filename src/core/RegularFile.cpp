@@ -46,25 +46,23 @@ bool isRegularFile(const QString &path)
 bool openRegularFile(QFile &file, const QString &path, QString *reason)
 {
     const QByteArray name = QFile::encodeName(path);
+    // O_NONBLOCK keeps the open of a FIFO from waiting for a writer and that of a device from waiting for a
+    // carrier; the kind is then checked on the open descriptor itself, so no swap of names can slip between.
+    // On a regular file O_NONBLOCK changes nothing, so it stays.
+    const int fd = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     struct stat st {
     };
-    // Checked before the open, so that a device is never even opened, and again on the open descriptor, in case
-    // the name was swapped in between. O_NONBLOCK keeps an open of a FIFO from waiting for a writer.
-    if (::stat(name.constData(), &st) != 0)
-        return refuse(path, QString::fromLocal8Bit(std::strerror(errno)), reason);
-    if (!S_ISREG(st.st_mode))
-        return refuse(path, kindOf(st.st_mode), reason);
-    const int fd = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-    if (fd < 0)
-        return refuse(path, QString::fromLocal8Bit(std::strerror(errno)), reason);
+    if (fd < 0) {
+        // A socket cannot be opened at all: say what it is rather than the system's "no such device".
+        const QString why = QString::fromLocal8Bit(std::strerror(errno));
+        const bool special = ::stat(name.constData(), &st) == 0 && !S_ISREG(st.st_mode);
+        return refuse(path, special ? kindOf(st.st_mode) : why, reason);
+    }
     if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
         const mode_t mode = st.st_mode;
         ::close(fd);
         return refuse(path, kindOf(mode), reason);
     }
-    const int flags = ::fcntl(fd, F_GETFL);
-    if (flags >= 0)
-        ::fcntl(fd, F_SETFL, flags & ~O_NONBLOCK);
     if (!file.open(fd, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle)) {
         ::close(fd);
         return refuse(path, file.errorString(), reason);
