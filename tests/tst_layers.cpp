@@ -4,7 +4,7 @@
 
 namespace {
 
-const QStringList kSubsystems { "dossier", "operations", "quotes", "security", "auxiliary" };
+const QStringList kSubsystems { "dossier", "operations", "quotes", "security", "auxiliary", "archives" };
 
 // The folders a file of each layer may include from.
 QStringList allowedFrom(const QString &layer, bool window)

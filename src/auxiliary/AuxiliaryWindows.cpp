@@ -1,6 +1,7 @@
 #include "auxiliary/AuxiliaryWindows.h"
 
 #include "auxiliary/ExternalPrograms.h"
+#include "auxiliary/HelpViewer.h"
 #include "auxiliary/SplashWindow.h"
 #include "auxiliary/ToolsWindow.h"
 #include "gui/Shell.h"
@@ -14,6 +15,7 @@ void registerWindows(const WindowContext &context)
     const SettingsFile &settings = context.settings;
     const ProgramState &state = context.state;
     QWidget *owner = shell.window();
+    shell.setCommand(Command::Help, [&state, owner] { showHelp(owner, state); });
     shell.setCommand(Command::Tools, [&settings, owner] { ToolsWindow::open(settings, owner); });
     shell.setCommand(Command::About, [&settings, owner] { SplashWindow::showAbout(settings, owner); });
     shell.setCommand(Command::Calculator, [owner] { startCalculator(owner); });

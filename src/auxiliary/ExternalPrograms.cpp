@@ -1,5 +1,7 @@
 #include "auxiliary/ExternalPrograms.h"
 
+#include "auxiliary/HelpFiles.h"
+
 #include "core/ProgramInfo.h"
 #include "core/ProgramState.h"
 #include "core/Settings.h"
@@ -65,11 +67,13 @@ void startCompanion(QWidget *parent, const SettingsFile &settings)
 
 void openInformationDocument(QWidget *parent, const ProgramState &state)
 {
-    const QString path = state.file(QString::fromLatin1(kDocumentoInformativo));
-    if (!QFileInfo(path).isFile() || !ui::openDocument(path))
+    const QString path = fileProgramma(QString::fromLatin1(kDocumentoInformativo), state);
+    if (path.isEmpty())
         ui::message(parent,
             QStringLiteral("File valorimetrico_info.pdf non trovato, oppure Acrobat Reader non installato."),
             QStringLiteral("File non trovato"), ui::Icon::Exclamation);
+    else if (!ui::openDocument(path))
+        ui::message(parent, ui::noOpenerText(), QStringLiteral("File non trovato"), ui::Icon::Exclamation);
     if (parent)
         parent->unsetCursor();
 }

@@ -1,9 +1,13 @@
 #include "auxiliary/ToolsWindow.h"
 
+#include "auxiliary/FolderPicker.h"
+
 #include "core/Settings.h"
 #include "gui/MessageBox.h"
 #include "gui/SingleWindow.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -84,8 +88,11 @@ void ToolsWindow::store(const QString &path)
 
 void ToolsWindow::browse()
 {
-    const QString path = ui::chooseFile(this, QStringLiteral("Selezionare il programma Quotaflusso..."));
-    if (path.isEmpty())
+    // Files as well as folders, file-system paths only, opening where the stored path points.
+    BrowseError cancelled;
+    const QString path = BrowseForFolder(this, QStringLiteral("Selezionare il programma Quotaflusso..."),
+        QFileInfo(m_text1->text().trimmed()).path(), kBifReturnOnlyFsDirs | kBifBrowseIncludeFiles, &cancelled);
+    if (cancelled.number == kBrowseCancelled || path.isEmpty())
         return;
     if (isCompanionProgram(path)) {
         m_text1->setText(path);

@@ -1,10 +1,13 @@
 #include "cli/Cli.h"
 
+#include "cli/CmdCercaArchivi.h"
 #include "cli/CmdDemo.h"
 #include "cli/CmdDossier.h"
+#include "cli/CmdListino.h"
 #include "cli/CmdMetastock.h"
 #include "cli/CmdSafety.h"
 #include "cli/CmdStore.h"
+#include "cli/CmdTitolo.h"
 #include "cli/CmdVerifica.h"
 #include "core/ProgramInfo.h"
 
@@ -20,10 +23,13 @@ const CommandInfo kCommands[] = {
     { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
     { "crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio },
     { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
+    { "cerca-archivi", "cerca le cartelle di archivi MetaStock sotto una cartella", cmdCercaArchivi },
     { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
     { "backup", "fa subito una copia dell'archivio dati nella cartella backup", cmdBackup },
     { "ripristina", "rimette al posto dell'archivio dati una sua copia verificata", cmdRipristina },
+    { "titolo", "mostra la situazione, le operazioni e la performance di un titolo", vm::operations::cmdTitolo },
+    { "listino", "le ultime quotazioni dei titoli di una lettera, del dossier o di un gruppo", vm::quotes::cmdListino },
 };
 
 void printHelp(QTextStream &out)

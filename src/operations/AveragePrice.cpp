@@ -24,7 +24,7 @@ double prezzoMedioDopoAcquisto(double prezzo, qint64 qta, double prezzoNetto, qi
 {
     const double nuovaQta = double(float(double(quantita + qta)));
     if (nuovaQta == 0)
-        return 0;
+        return prezzo; // nothing held before or after: nothing to average
     return arrotondato((prezzoNetto * double(quantita) + caricoSingolo(prezzo, qta)) / nuovaQta);
 }
 

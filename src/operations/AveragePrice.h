@@ -9,7 +9,8 @@ namespace vm::operations {
 // (three decimals at most, halves away from zero) and kept in single precision too, so that the stored
 // price is the one the purchase and sale windows show.
 
-// After a further purchase of `quantita` shares at `prezzoNetto`: 100 at 10 plus 50 at 13 gives 11.
+// After a further purchase of `quantita` shares at `prezzoNetto`: 100 at 10 plus 50 at 13 gives 11. With no share
+// before or after, the price unchanged.
 double prezzoMedioDopoAcquisto(double prezzo, qint64 qta, double prezzoNetto, qint64 quantita);
 
 // After a sale of `quantita` of the `qta` shares at `prezzoNetto`: the remaining shares carry what the sale
