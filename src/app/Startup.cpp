@@ -7,6 +7,7 @@
 #include "core/ProgramInfo.h"
 #include "gui/MessageBox.h"
 #include "gui/WindowContext.h"
+#include "store/Backup.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -109,11 +110,32 @@ bool Startup::Main()
         aux::SplashWindow::load(m_settings, nullptr)->setTag(QString());
 
     // 4-5. From the database open on, a failure is reported with its number.
-    const store::OpenResult opening = m_database.open(database);
+    store::OpenResult opening = m_database.open(database);
+    // A database or program folder that cannot be written is said now, not at the first change that fails:
+    // the program goes on for reading.
+    const bool readOnly = opening.error.number == store::ErrReadOnly;
+    if (readOnly)
+        opening = m_database.openReadOnly(database);
     if (opening.outcome == store::OpenOutcome::AccessDenied)
         return fail(QString::fromUtf8(store::kAccessDeniedMessage), QString::fromUtf8(store::kAccessDeniedTitle));
     if (!opening.ok())
         return fail(errorText(opening.error.number, opening.error.message));
+    if (readOnly) {
+        restorePointer();
+        ui::message(
+            nullptr, QString::fromUtf8(kReadOnlyMessage), QString::fromLatin1(kProgramName), ui::Icon::Exclamation);
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    } else {
+        // Under the database's lock: what an interrupted run left is no other copy's work in progress.
+        ProgramFolder(m_env.programFolder, ProgramFolder::Source::Option).removeLeftovers();
+        const store::StoreError copy = store::backup::daily(m_database);
+        if (copy.failed()) {
+            restorePointer();
+            ui::message(nullptr, errorText(copy.number, copy.message), QString::fromLatin1(kProgramName),
+                ui::Icon::Exclamation);
+            QApplication::setOverrideCursor(Qt::WaitCursor);
+        }
+    }
 
     // 6. Splash setting.
     const Converted<bool> splash = m_settings.splash();

@@ -17,6 +17,10 @@ namespace vm {
 class MainWindow;
 struct WindowContext;
 
+// Shown at start-up when the database or its folder cannot be written.
+inline constexpr auto kReadOnlyMessage
+    = "L'archivio dati è in sola lettura: il programma mostra i dati ma nessuna modifica potrà essere salvata.";
+
 // What the start-up reads from the world, so that tests can set each part of it.
 struct StartupEnvironment {
     int screenWidth = 1024; // logical pixels

@@ -5,6 +5,7 @@
 #include "cli/CmdDossier.h"
 #include "cli/CmdListino.h"
 #include "cli/CmdMetastock.h"
+#include "cli/CmdSafety.h"
 #include "cli/CmdStore.h"
 #include "cli/CmdTitolo.h"
 #include "cli/CmdVerifica.h"
@@ -25,6 +26,8 @@ const CommandInfo kCommands[] = {
     { "cerca-archivi", "cerca le cartelle di archivi MetaStock sotto una cartella", cmdCercaArchivi },
     { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
     { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
+    { "backup", "fa subito una copia dell'archivio dati nella cartella backup", cmdBackup },
+    { "ripristina", "rimette al posto dell'archivio dati una sua copia verificata", cmdRipristina },
     { "titolo", "mostra la situazione, le operazioni e la performance di un titolo", vm::operations::cmdTitolo },
     { "listino", "le ultime quotazioni dei titoli di una lettera, del dossier o di un gruppo", vm::quotes::cmdListino },
 };
@@ -47,6 +50,16 @@ QString csvField(const QString &text)
     if (!text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') && !text.contains(u'\r'))
         return text;
     return u'"' + QString(text).replace(QStringLiteral("\""), QStringLiteral("\"\"")) + u'"';
+}
+
+QString csvText(const QString &text)
+{
+    // A spreadsheet runs a cell beginning with one of these as a formula ("=HYPERLINK(...)" in a title's name);
+    // a leading apostrophe makes it text there and is easy for other programs to strip.
+    static constexpr QStringView kFormulaStart = u"=+-@\t\r";
+    if (!text.isEmpty() && kFormulaStart.contains(text.front()))
+        return csvField(u'\'' + text);
+    return csvField(text);
 }
 
 bool wantsHelp(const QStringList &args)

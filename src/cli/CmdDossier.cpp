@@ -1,8 +1,14 @@
 #include "cli/CmdDossier.h"
 
+#include "cli/CmdSafety.h"
 #include "core/ProgramFolder.h"
+#include "core/ProgramInfo.h"
 #include "dossier/Storico.h"
+#include "metastock/Master.h"
+#include "store/Backup.h"
 #include "store/Database.h"
+
+#include <QDir>
 
 #include <array>
 #include <charconv>
@@ -21,7 +27,8 @@ void usage(QTextStream &s)
          "              differenza,percentuale,stato (punto decimale, data aaaa-mm-gg)\n"
          "  --registra  registra il valore del giorno nello storico, se non è già presente\n\n"
          "Gli avvisi vanno sull'errore standard. Esce con 0 se la valutazione è stata eseguita,\n"
-         "con 1 se il database non si apre.\n";
+         "con 1 se il database non si apre. Con --registra non registra nulla ed esce con 3 se una\n"
+         "cartella non si legge o un titolo non ha quotazione: il totale sarebbe sbagliato.\n";
 }
 
 // The shortest text that reads back as the same double, in plain decimal notation.
@@ -34,14 +41,41 @@ QString numeroCsv(double valore)
     return QString::fromLatin1(buffer.data(), esito.ptr - buffer.data());
 }
 
+// What keeps an unattended run from recording the day's total: every configured folder must be read whole and
+// every title valued at a quote of its own, or the total would be short of the true one by what is missing.
+QStringList ostacoliRegistrazione(const QStringList &cartelle, qsizetype titoli, const Valutazione &v)
+{
+    QStringList ostacoli;
+    // An empty dossier without folders (a first start) has nothing to value: its total of 0 is right.
+    if (!v.eseguita && titoli > 0)
+        ostacoli << QStringLiteral("nessuna cartella MetaStock impostata");
+    for (const QString &percorso : cartelle) {
+        const metastock::CartellaMS c = metastock::CartellaMS::leggi(percorso);
+        const QString nativo = QDir::toNativeSeparators(percorso);
+        if (c.danneggiata())
+            ostacoli << QStringLiteral("cartella %1: %2").arg(nativo, c.danno);
+        else if (c.stato == metastock::CartellaMS::Stato::CartellaMancante)
+            ostacoli << QStringLiteral("cartella %1: non trovata").arg(nativo);
+        else if (!c.leggibile())
+            ostacoli << QStringLiteral("cartella %1: manca il file MASTER").arg(nativo);
+    }
+    for (const RigaDossier &r : v.righe) {
+        if (r.stato == StatoTitolo::NonTrovato)
+            ostacoli << QStringLiteral("titolo %1: non trovato nelle cartelle").arg(r.simbolo);
+        else if (r.quotazioniIlleggibili || r.chiusura == 0.0f)
+            ostacoli << QStringLiteral("titolo %1: nessuna quotazione leggibile").arg(r.simbolo);
+    }
+    return ostacoli;
+}
+
 } // namespace
 
 QString csvDossier(const QList<RigaDossier> &righe)
 {
     QString csv = QStringLiteral("id,simbolo,descrizione,acquisto,data,attuale,differenza,percentuale,stato\n");
     for (const RigaDossier &r : righe) {
-        const QStringList campi { QString::number(r.idTitolo), vm::cli::csvField(r.simbolo),
-            vm::cli::csvField(r.descrizione), numeroCsv(r.acquisto),
+        const QStringList campi { QString::number(r.idTitolo), vm::cli::csvText(r.simbolo),
+            vm::cli::csvText(r.descrizione), numeroCsv(r.acquisto),
             r.dataUltima.isValid() ? r.dataUltima.toString(Qt::ISODate) : QString(), numeroCsv(r.attuale),
             numeroCsv(r.differenza), numeroCsv(r.percentuale), nomeStato(r.stato) };
         csv += campi.join(u',') + u'\n';
@@ -117,10 +151,13 @@ int cmdDossier(const QStringList &arguments, cli::Io &io)
     }
 
     store::Database db;
-    const auto aperto = db.open(cartella->databasePath());
-    if (!aperto.ok()) {
-        io.err << aperto.error.message << "\n";
+    if (!cli::openDatabase(db, *cartella, io, !registra))
         return cli::Failure;
+    // The scheduled run is often the day's first: it keeps the day's copy as the program's start would.
+    if (registra) {
+        const store::StoreError copia = store::backup::daily(db);
+        if (copia.failed())
+            io.err << errorText(copia.number, copia.message) << "\n";
     }
     const std::optional<QStringList> cartelle = db.folders();
     if (!cartelle) {
@@ -144,8 +181,16 @@ int cmdDossier(const QStringList &arguments, cli::Io &io)
     }
     io.out << (csv ? csvDossier(v.righe) : tabellaDossier(v));
 
-    if (registra && v.eseguita && Storico(db, v.totali, QDate::currentDate()) == EsitoStorico::Errore) {
-        io.err << db.lastError().message << "\n";
+    if (!registra)
+        return cli::Ok;
+    if (const QStringList ostacoli = ostacoliRegistrazione(*cartelle, titoli->size(), v); !ostacoli.isEmpty()) {
+        io.err << "Valore del giorno non registrato nello storico: il totale non comprende tutto il dossier.\n";
+        for (const QString &o : ostacoli)
+            io.err << "  " << o << "\n";
+        return cli::Incomplete;
+    }
+    if (Storico(db, v.totali, QDate::currentDate()) == EsitoStorico::Errore) {
+        io.err << errorText(db.lastError().number, db.lastError().message) << "\n";
         return cli::Failure;
     }
     return cli::Ok;

@@ -41,15 +41,22 @@ bool apriCartella(const QString &percorso, CartellaMS &cartella, vm::cli::Io &io
     const QString nativo = QDir::toNativeSeparators(percorso);
     switch (cartella.stato) {
     case CartellaMS::Stato::Letta:
+        // What could be read is still shown; the damage is said first.
+        if (cartella.danneggiata())
+            io.err << "Archivio metastock danneggiato in " << nativo << ": " << cartella.danno << ".\n";
         return true;
     case CartellaMS::Stato::CartellaMancante:
         io.err << "Cartella " << nativo << " non trovata.\n";
         return false;
     case CartellaMS::Stato::MasterMancante:
+        if (cartella.danneggiata()) {
+            io.err << "Impossibile leggere " << cartella.danno << ".\n";
+            return false;
+        }
         io.err << "La cartella " << nativo << " non contiene files metastock (manca il file MASTER).\n";
         return false;
     case CartellaMS::Stato::MasterIlleggibile:
-        io.err << "Impossibile leggere il file " << QDir::toNativeSeparators(cartella.percorsoMaster) << ".\n";
+        io.err << "Archivio metastock danneggiato in " << nativo << ": " << cartella.danno << "\n";
         return false;
     }
     return false;
@@ -148,11 +155,11 @@ int cmdTitoli(const QStringList &args, vm::cli::Io &io)
     if (a.csv) {
         io.out << "simbolo,nome,campi,file,primo,ultimo,marcato" << kFineRigaCsv;
         for (const RecordMaster &t : cartella.titoli) {
-            io.out << vm::cli::csvField(t.simbolo) << ',' << vm::cli::csvField(t.nome) << ',' << t.campi << ','
+            io.out << vm::cli::csvText(t.simbolo) << ',' << vm::cli::csvText(t.nome) << ',' << t.campi << ','
                    << vm::cli::csvField(t.nomeFile) << ',' << dataIso(t.primaData) << ',' << dataIso(t.ultimaData)
                    << ',' << (t.marcato() ? 1 : 0) << kFineRigaCsv;
         }
-        return vm::cli::Ok;
+        return cartella.danneggiata() ? vm::cli::Failure : vm::cli::Ok;
     }
     QList<QStringList> righe { { QStringLiteral("Simbolo"), QStringLiteral("Nome"), QStringLiteral("Campi"),
         QStringLiteral("File"), QStringLiteral("Prima quotazione"), QStringLiteral("Ultima quotazione"),
@@ -163,7 +170,7 @@ int cmdTitoli(const QStringList &args, vm::cli::Io &io)
     }
     scriviTabella(io.out, righe, { false, false, true, false, false, false, false });
     io.out << "\n" << cartella.titoli.size() << " titoli in " << QDir::toNativeSeparators(cartella.percorso) << "\n";
-    return vm::cli::Ok;
+    return cartella.danneggiata() ? vm::cli::Failure : vm::cli::Ok;
 }
 
 int cmdQuotazioni(const QStringList &args, vm::cli::Io &io)

@@ -1,5 +1,6 @@
 #include "cli/CmdVerifica.h"
 
+#include "cli/CmdSafety.h"
 #include "core/ProgramFolder.h"
 #include "metastock/FolderCheck.h"
 #include "store/Database.h"
@@ -44,11 +45,8 @@ int cmdVerifica(const QStringList &arguments, Io &io)
     }
 
     store::Database db;
-    const auto aperto = db.open(cartella->databasePath());
-    if (!aperto.ok()) {
-        io.err << aperto.error.message << "\n";
+    if (!openDatabase(db, *cartella, io, true))
         return Failure;
-    }
     const std::optional<QStringList> cartelle = db.folders();
     if (!cartelle) {
         io.err << store::readFailure(QString::fromUtf8(store::kWhatFolders), db.lastError()) << "\n";

@@ -2,7 +2,9 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 namespace vm {
@@ -107,6 +109,28 @@ bool ProgramFolder::prepare(const DatabaseCreator &createDatabase, QString &erro
         return false;
     }
     return true;
+}
+
+QStringList ProgramFolder::removeLeftovers() const
+{
+    // A rewritten file is first written as "<name>.XXXXXX" beside it; the database's scratch copies are hidden
+    // files of the program's own.
+    const QString rewritten = QStringList { QRegularExpression::escape(QString::fromLatin1(kSettingsFileName)),
+        QRegularExpression::escape(QString::fromLatin1(kCheckReportFileName)) }
+                                  .join(u'|');
+    const QRegularExpression leftover(
+        QStringLiteral("^(?:(?:%1)\\.[A-Za-z0-9]{6}|\\.valorimetrico-[A-Za-z0-9]{6}"
+                       "\\.(?:nuovo|copia)|\\.valorimetrico-ripristino\\.mdb(?:-journal)?)$")
+            .arg(rewritten));
+    QStringList removed;
+    for (const QString &folder : { m_path, QDir(m_path).filePath(QStringLiteral("backup")) }) {
+        const QDir dir(folder);
+        for (const QString &name : dir.entryList(QDir::Files | QDir::Hidden | QDir::System)) {
+            if (leftover.match(name).hasMatch() && QFile::remove(dir.filePath(name)))
+                removed << name;
+        }
+    }
+    return removed;
 }
 
 } // namespace vm

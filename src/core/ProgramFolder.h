@@ -55,6 +55,11 @@ public:
     using DatabaseCreator = std::function<QString(const QString &path)>;
     bool prepare(const DatabaseCreator &createDatabase, QString &error) const;
 
+    // Removes what an interrupted run left behind: the temporary files of a settings or report write that never
+    // reached its rename, and the program's own scratch copies of the database. Only while this run holds the
+    // database's lock, so that no other copy is writing them. The names removed.
+    QStringList removeLeftovers() const;
+
 private:
     QString filePath(const char *name) const;
 

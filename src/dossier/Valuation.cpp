@@ -57,6 +57,12 @@ RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> 
                 QStringLiteral("Errore su lettura ") + c.percorso, Avviso::Icona::Critica, false });
             break;
         }
+        // A damaged directory is named, so that a title it no longer lists is not taken for one sold or renamed.
+        if (c.danneggiata()) {
+            avvisi.append({ QString::fromUtf8(kTitoloCartellaMancante),
+                QStringLiteral("Archivio metastock danneggiato in ") + c.percorso + QStringLiteral(": ") + c.danno,
+                Avviso::Icona::Critica, false });
+        }
         trovato = c.trovaSimbolo(titolo.titolo);
         cartella = &c;
     }
@@ -72,13 +78,16 @@ RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> 
 
     riga.cartella = cartella->percorso;
     QString errore;
-    riga.chiusura = metastock::PrezzoMs(cartella->percorsoPrezzi(*trovato), trovato->campi, &errore).value_or(0.0f);
+    const std::optional<float> chiusura
+        = metastock::PrezzoMs(cartella->percorsoPrezzi(*trovato), trovato->campi, &errore);
+    riga.chiusura = chiusura.value_or(0.0f);
+    riga.quotazioniIlleggibili = !chiusura;
     if (!errore.isEmpty())
         avvisi.append({ QString::fromLatin1(kProgramName), errore, Avviso::Icona::Critica, false });
 
-    const double chiusura = riga.chiusura;
-    riga.attuale = chiusura * qta;
-    riga.differenza = (chiusura - titolo.prezzo) * qta;
+    const double ultima = riga.chiusura;
+    riga.attuale = ultima * qta;
+    riga.differenza = (ultima - titolo.prezzo) * qta;
     riga.testoAttuale = formatPattern(riga.attuale, kFormatoValore);
     riga.testoDifferenza = formatPattern(riga.differenza, kFormatoValore);
 
@@ -89,7 +98,7 @@ RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> 
         riga.testoData = formatDate(riga.dataUltima, kFormatoData);
     }
     if (marcato && titolo.prezzo != 0) {
-        riga.percentuale = (chiusura - titolo.prezzo) / titolo.prezzo;
+        riga.percentuale = (ultima - titolo.prezzo) / titolo.prezzo;
         riga.testoPercentuale = formatPattern(riga.percentuale, kFormatoPercentuale);
     } else {
         riga.testoPercentuale = QString::fromLatin1(kPercentualeNulla);
@@ -125,7 +134,8 @@ Valutazione PreparaDati(
     v.righe.reserve(dossier.size());
     for (const store::DossierRow &titolo : dossier) {
         RigaDossier riga = archivi.TrovaTicker(titolo, v.avvisi);
-        if (riga.chiusura == 0.0f) {
+        // A title whose price file failed was told about with the file's own fault: it is in the directory.
+        if (riga.chiusura == 0.0f && !riga.quotazioniIlleggibili) {
             v.avvisi.append({ QString::fromUtf8(kTitoloTitoloMancante),
                 messaggioTitoloMancante(titolo.titolo, riga.acquisto), Avviso::Icona::Critica, true });
         }

@@ -53,6 +53,7 @@ struct RigaDossier {
     QString cartella; // the folder that holds the title; empty when not found
     float chiusura = 0; // the last close (the hidden column "X"); 0 when not found
     QDate dataUltima; // the directory's last-quote date; only for titles of marked folders
+    bool quotazioniIlleggibili = false; // in the directory, but its price file is missing, unreadable or empty
 
     // The values the list shows, unrounded: attuale, differenza and percentuale are 0 where the list
     // shows a zero text in their place (not found; percentage of an unmarked archive or of a price 0).

@@ -15,7 +15,7 @@ namespace {
 // readers and windows count on the official price in the seventh.
 constexpr int kCampiStandard = 7;
 
-EsitoCartella esito(EsitoCartella::Stato stato, const QString &percorso)
+EsitoCartella esito(EsitoCartella::Stato stato, const QString &percorso, const QString &danno = {})
 {
     EsitoCartella e;
     e.stato = stato;
@@ -36,6 +36,9 @@ EsitoCartella esito(EsitoCartella::Stato stato, const QString &percorso)
         break;
     case EsitoCartella::Stato::NonAggiornata:
         e.testo = QStringLiteral("Cartella ") + percorso + QStringLiteral(" non aggiornata con Quotaflusso");
+        break;
+    case EsitoCartella::Stato::Danneggiata:
+        e.testo = QStringLiteral("Cartella ") + percorso + QStringLiteral(": archivio metastock danneggiato, ") + danno;
         break;
     }
     return e;
@@ -95,7 +98,9 @@ VerificaArchivi verificaCartelle(const QStringList &cartelle, const AvanzamentoV
             e = esito(EsitoCartella::Stato::NonTrovata, percorso);
         } else {
             const auto cartella = metastock::CartellaMS::leggi(percorso);
-            if (!cartella.haMaster()) {
+            if (cartella.danneggiata()) {
+                e = esito(EsitoCartella::Stato::Danneggiata, percorso, cartella.danno);
+            } else if (!cartella.haMaster()) {
                 e = esito(EsitoCartella::Stato::SenzaMaster, percorso);
             } else {
                 v.attributiMaster = attributiFile(cartella.percorsoMaster);

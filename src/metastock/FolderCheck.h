@@ -11,7 +11,8 @@ namespace vm {
 
 // What the check found for one configured archive folder.
 struct EsitoCartella {
-    enum class Stato { Pronta, NonTrovata, SenzaMaster, InUso, NonAggiornata };
+    // Danneggiata: a directory file that is no regular file, cannot be read, or holds fewer records than it counts.
+    enum class Stato { Pronta, NonTrovata, SenzaMaster, InUso, NonAggiornata, Danneggiata };
     Stato stato = Stato::NonTrovata;
     QString percorso;
     QString testo; // the outcome line shown in the progress panel

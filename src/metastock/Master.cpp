@@ -1,6 +1,7 @@
 #include "metastock/Master.h"
 
 #include "core/AtomicFile.h"
+#include "core/RegularFile.h"
 
 #include "core/Testo1252.h"
 #include "metastock/Mbf.h"
@@ -50,12 +51,33 @@ QString campoTerminato(QByteArrayView campo)
     return campoTesto(nul < 0 ? campo : campo.first(nul));
 }
 
-// Reads at most the bytes a damaged header count could claim: 65,536 records.
-QByteArray leggiTutto(const QString &percorso, qint64 massimo, bool *ok)
+// Reads at most the bytes a damaged header count could claim: 65,536 records. Only a regular file is read.
+QByteArray leggiTutto(const QString &percorso, qint64 massimo, bool *ok, QString *errore)
 {
-    QFile f(percorso);
-    *ok = f.open(QIODevice::ReadOnly);
-    return *ok ? f.read(massimo) : QByteArray();
+    QFile f;
+    *ok = openRegularFile(f, percorso, errore);
+    if (!*ok)
+        return QByteArray();
+    QByteArray dati = f.read(massimo);
+    if (f.error() != QFileDevice::NoError) {
+        *ok = false;
+        *errore = QStringLiteral("Impossibile leggere il file ") + QDir::toNativeSeparators(percorso)
+            + QStringLiteral(": ") + f.errorString();
+        return QByteArray();
+    }
+    return dati;
+}
+
+// Why a directory file's bytes cannot be all there is: too short for its header, or a header that counts more
+// titles than the file holds. Empty when sound.
+QString dannoElenco(const QString &nome, QByteArrayView dati, int lunghezzaRecord, int conteggio)
+{
+    if (dati.size() < lunghezzaRecord)
+        return QStringLiteral("il file %1 è lungo %2 byte, meno della sua intestazione").arg(nome).arg(dati.size());
+    const qsizetype presenti = dati.size() / lunghezzaRecord - 1;
+    if (conteggio > presenti)
+        return QStringLiteral("il file %1 elenca %2 titoli ma ne contiene %3").arg(nome).arg(conteggio).arg(presenti);
+    return QString();
 }
 
 } // namespace
@@ -144,6 +166,13 @@ CartellaMS CartellaMS::leggi(const QString &percorso)
         c.stato = Stato::CartellaMancante;
         return c;
     }
+    // A folder the user may not list looks empty to entryList(): say why instead.
+    const QFileInfo info(percorso);
+    if (!info.isReadable() || !info.isExecutable()) {
+        c.stato = Stato::MasterMancante;
+        c.danno = QStringLiteral("la cartella %1 non è leggibile (permessi)").arg(QDir::toNativeSeparators(percorso));
+        return c;
+    }
     const QStringList nomi = dir.entryList(QDir::Files | QDir::Hidden | QDir::System);
     c.fileMinuscoli.reserve(nomi.size());
     for (const QString &nome : nomi)
@@ -156,13 +185,15 @@ CartellaMS CartellaMS::leggi(const QString &percorso)
     }
     c.percorsoMaster = dir.filePath(master);
     bool ok = false;
-    const QByteArray datiMaster = leggiTutto(c.percorsoMaster, qint64(65536) * kLunghezzaRecordMaster, &ok);
+    const QByteArray datiMaster = leggiTutto(c.percorsoMaster, qint64(65536) * kLunghezzaRecordMaster, &ok, &c.danno);
     if (!ok) {
         c.stato = Stato::MasterIlleggibile;
         return c;
     }
     c.stato = Stato::Letta;
     c.conteggioMaster = metastock::conteggioMaster(datiMaster);
+    c.danno = dannoElenco(master, datiMaster, kLunghezzaRecordMaster,
+        datiMaster.size() < kLunghezzaRecordMaster ? 0 : u16(datiMaster, 0));
     c.titoli = titoliMaster(datiMaster);
     if (!c.titoli.isEmpty())
         c.marchio = c.titoli.first().marchio;
@@ -170,8 +201,14 @@ CartellaMS CartellaMS::leggi(const QString &percorso)
     const QString xmaster = c.trovaFile(QStringLiteral("XMASTER"));
     if (!xmaster.isEmpty()) {
         c.percorsoXMaster = dir.filePath(xmaster);
-        const QByteArray datiX = leggiTutto(c.percorsoXMaster, qint64(65536) * kLunghezzaRecordXMaster, &ok);
+        QString errore;
+        const QByteArray datiX = leggiTutto(c.percorsoXMaster, qint64(65536) * kLunghezzaRecordXMaster, &ok, &errore);
         c.conteggioXMaster = metastock::conteggioXMaster(datiX);
+        // The first fault found is the one reported: MASTER's, then XMASTER's.
+        if (c.danno.isEmpty())
+            c.danno = ok ? dannoElenco(xmaster, datiX, kLunghezzaRecordXMaster,
+                          datiX.size() < kLunghezzaRecordXMaster ? 0 : u16(datiX, 10))
+                         : errore;
         c.titoli.append(titoliXMaster(datiX, c.marchio));
     }
     for (RecordMaster &t : c.titoli) {

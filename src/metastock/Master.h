@@ -71,11 +71,16 @@ struct CartellaMS {
     QList<RecordMaster> titoli; // MASTER titles in file order, then those of XMASTER
     QHash<QString, QString> fileMinuscoli; // lower-case name -> name as it stands
     mutable QHash<QString, qsizetype> indiceSimboli; // symbol -> first title holding it; built on first use
+    // Why the directory cannot be trusted whole, in Italian: a MASTER that cannot be read (not a regular file,
+    // no permission), or a directory file shorter than its header or whose count exceeds the records it holds.
+    // Empty for a sound folder. The titles that could be read are kept all the same.
+    QString danno;
 
     static CartellaMS leggi(const QString &percorso);
 
     bool haMaster() const { return !percorsoMaster.isEmpty(); }
     bool leggibile() const { return stato == Stato::Letta; }
+    bool danneggiata() const { return !danno.isEmpty(); }
     // The one symbol lookup of the program: the symbol sought is trimmed of blanks and NULs at both ends,
     // as the records' symbols are, letter case counts, the first title in order (MASTER, then XMASTER)
     // wins. The folder's symbols are indexed on the first lookup.

@@ -1,5 +1,6 @@
 #include "metastock/Prezzi.h"
 
+#include "core/RegularFile.h"
 #include "metastock/Mbf.h"
 #include "metastock/Variazione.h"
 
@@ -10,10 +11,10 @@ namespace vm::metastock {
 
 namespace {
 
-QString erroreApertura(const QFile &f)
+QString erroreApertura(const QString &percorso, const QFile &f)
 {
-    return QStringLiteral("Impossibile leggere il file ") + QDir::toNativeSeparators(f.fileName())
-        + QStringLiteral(": ") + f.errorString();
+    return QStringLiteral("Impossibile leggere il file ") + QDir::toNativeSeparators(percorso) + QStringLiteral(": ")
+        + f.errorString();
 }
 
 } // namespace
@@ -93,43 +94,55 @@ UltimeQuote ultimeDaCoda(QByteArrayView coda, qint64 lunghezzaFile, int campi)
 
 std::optional<UltimeQuote> leggiUltimeQuote(const QString &percorso, int campi, QString *errore)
 {
-    QFile f(percorso);
-    if (!f.open(QIODevice::ReadOnly)) {
-        if (errore)
-            *errore = erroreApertura(f);
+    QFile f;
+    if (!openRegularFile(f, percorso, errore))
         return std::nullopt;
-    }
     if (lunghezzaRecordPrezzi(campi) == 0)
         return UltimeQuote {};
     const qint64 lunghezza = f.size();
     const qint64 inizio = inizioCodaPrezzi(lunghezza, campi);
     if (!f.seek(inizio)) {
         if (errore)
-            *errore = erroreApertura(f);
+            *errore = erroreApertura(percorso, f);
         return std::nullopt;
     }
     const QByteArray coda = f.read(lunghezza - inizio);
+    if (f.error() != QFileDevice::NoError) {
+        if (errore)
+            *errore = erroreApertura(percorso, f);
+        return std::nullopt;
+    }
     return ultimeDaCoda(coda, lunghezza, campi);
 }
 
 std::optional<QList<QuotaMS>> leggiStoria(const QString &percorso, int campi, QString *errore)
 {
-    QFile f(percorso);
-    if (!f.open(QIODevice::ReadOnly)) {
-        if (errore)
-            *errore = erroreApertura(f);
+    QFile f;
+    if (!openRegularFile(f, percorso, errore))
         return std::nullopt;
-    }
     if (lunghezzaRecordPrezzi(campi) == 0)
         return QList<QuotaMS>();
-    return quoteDaDati(f.readAll(), campi);
+    const QByteArray dati = f.readAll();
+    if (f.error() != QFileDevice::NoError) {
+        if (errore)
+            *errore = erroreApertura(percorso, f);
+        return std::nullopt;
+    }
+    return quoteDaDati(dati, campi);
 }
 
 std::optional<float> PrezzoMs(const QString &percorso, int campi, QString *errore)
 {
     const auto ultime = leggiUltimeQuote(percorso, campi, errore);
-    if (!ultime || !ultime->ultima)
+    if (!ultime)
         return std::nullopt;
+    if (!ultime->ultima) {
+        // Said apart from a title missing from the directory: the title is there, its quotes are not.
+        if (errore)
+            *errore = QStringLiteral("Il file delle quotazioni ") + QDir::toNativeSeparators(percorso)
+                + QStringLiteral(" non contiene quotazioni (vuoto o danneggiato).");
+        return std::nullopt;
+    }
     return ultime->ultima->chiusura;
 }
 

@@ -1,5 +1,6 @@
 #include "store/Database.h"
 
+#include "store/Backup.h"
 #include "store/Internal.h"
 #include "store/Schema.h"
 
@@ -25,6 +26,7 @@ namespace {
 // SQLite result codes the open and the writes tell apart.
 constexpr int kSqliteBusy = 5;
 constexpr int kSqliteLocked = 6;
+constexpr int kSqliteReadOnly = 8;
 constexpr int kSqliteCorrupt = 11;
 constexpr int kSqliteConstraint = 19;
 constexpr int kSqliteNotADb = 26;
@@ -66,6 +68,8 @@ int errorNumberFor(const QSqlError &error)
     case kSqliteCorrupt:
     case kSqliteNotADb:
         return ErrDamaged;
+    case kSqliteReadOnly:
+        return ErrReadOnly;
     default:
         return ErrEngine;
     }
@@ -76,12 +80,12 @@ QString messageFor(int number)
     switch (number) {
     case ErrAccessDenied:
         return QString::fromUtf8(kAccessDeniedMessage);
-    case ErrLocked:
-        return QStringLiteral("L'archivio dati è già aperto da un'altra copia di Valorimetrico.");
     case ErrDuplicateKey:
         return QStringLiteral("Il valore è già presente in archivio.");
-    default:
-        return errorText(number);
+    default: {
+        const QString explanation = errorExplanation(number);
+        return explanation.isEmpty() ? errorText(number) : errorText(number, explanation);
+    }
     }
 }
 
@@ -155,6 +159,30 @@ StoreError engineError(const QSqlError &error)
 
 } // namespace
 
+QString errorExplanation(int number)
+{
+    switch (number) {
+    case ErrEngine:
+        return QStringLiteral("Errore dell'archivio dati: disco pieno o errore di lettura o scrittura.");
+    case ErrNoRecord:
+        return QStringLiteral("Il titolo non è più presente in archivio.");
+    case ErrFileNotFound:
+        return QStringLiteral("Archivio dati non trovato.");
+    case ErrDamaged:
+        return QStringLiteral("Archivio danneggiato: il file non è un archivio dati leggibile.");
+    case ErrReadOnly:
+        return QStringLiteral("Archivio dati in sola lettura: nessuna modifica può essere salvata.");
+    case ErrAlreadyExists:
+        return QStringLiteral("L'archivio dati esiste già.");
+    case ErrNewerVersion:
+        return QStringLiteral("Archivio dati scritto da una versione successiva del programma.");
+    case ErrLocked:
+        return QStringLiteral("L'archivio dati è già aperto da un'altra copia di Valorimetrico.");
+    default:
+        return QString();
+    }
+}
+
 Database::Database() = default;
 
 Database::~Database()
@@ -169,6 +197,13 @@ bool Database::isOpen() const
 
 void Database::close()
 {
+    closeConnection();
+    m_lock.release();
+}
+
+void Database::closeConnection()
+{
+    m_readOnly = false;
     if (m_connection.isEmpty())
         return;
     m_db.close();
@@ -345,13 +380,20 @@ QString Database::createIfMissing(const QString &path)
 
 // Takes the exclusive lock, checks the file's health and identity and brings its schema up to date; on failure
 // m_error says why and nothing has been written.
-OpenOutcome Database::lockAndCheck(const QString &password, int fileVersion)
+OpenOutcome Database::lockAndCheck(const QString &password, int fileVersion, bool readOnly)
 {
     QSqlQuery query(m_db);
-    // The exclusive lock is taken now and kept until close(), not at the first write.
-    if (!exec(query, QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"))
-        || !exec(query, QStringLiteral("BEGIN EXCLUSIVE")))
-        return m_error.number == ErrLocked ? OpenOutcome::Locked : OpenOutcome::Failed;
+    // Set here rather than inherited from the engine's build: a rollback journal beside the file and a sync at
+    // every commit, so that a commit that returned is on the disk. The exclusive lock is taken now and kept
+    // until close(), not at the first write. A read-only run only reads, under a shared lock.
+    const QStringList setup = readOnly
+        ? QStringList { QStringLiteral("BEGIN") }
+        : QStringList { QStringLiteral("PRAGMA journal_mode = DELETE"), QStringLiteral("PRAGMA synchronous = FULL"),
+              QStringLiteral("PRAGMA locking_mode = EXCLUSIVE"), QStringLiteral("BEGIN EXCLUSIVE") };
+    for (const QString &sql : setup) {
+        if (!exec(query, sql))
+            return m_error.number == ErrLocked ? OpenOutcome::Locked : OpenOutcome::Failed;
+    }
     Transaction transaction(*this, Transaction::AlreadyBegun);
     if (!exec(query, QStringLiteral("PRAGMA quick_check")) || !query.next()
         || query.value(0).toString() != QLatin1String("ok")) {
@@ -364,6 +406,17 @@ OpenOutcome Database::lockAndCheck(const QString &password, int fileVersion)
         return OpenOutcome::AccessDenied;
     }
     query.finish();
+    // An older file read without writing is read as it is: the newer schema only adds indexes.
+    if (readOnly)
+        return transaction.commit() ? OpenOutcome::Ok : OpenOutcome::Failed;
+    // The file as it was is kept before its schema changes; held exclusively, its bytes are consistent.
+    if (fileVersion < kSchemaVersion) {
+        const StoreError kept = backup::keepFileCopy(m_db.databaseName(), backup::Reason::BeforeMigration);
+        if (kept.failed()) {
+            m_error = kept;
+            return OpenOutcome::Failed;
+        }
+    }
     for (int version = fileVersion; version < kSchemaVersion; ++version) {
         const QStringList steps = schema::migrationFrom(version);
         if (steps.isEmpty()) {
@@ -382,10 +435,18 @@ OpenOutcome Database::lockAndCheck(const QString &password, int fileVersion)
 
 OpenResult Database::open(const QString &path, const QString &password)
 {
-    close();
+    return openFile(path, password, false, LockUse::Take);
+}
+
+OpenResult Database::openFile(const QString &path, const QString &password, bool readOnly, LockUse lockUse)
+{
+    if (lockUse == LockUse::AlreadyHeld)
+        closeConnection();
+    else
+        close();
     m_error = {};
-    const auto result = [this](OpenOutcome outcome, int number, const QString &detail) {
-        m_error = { number, messageFor(number), detail };
+    const auto result = [this](OpenOutcome outcome, int number, const QString &detail, const QString &message = {}) {
+        m_error = { number, message.isEmpty() ? messageFor(number) : message, detail };
         if (outcome != OpenOutcome::Ok)
             close();
         return OpenResult { outcome, m_error };
@@ -394,36 +455,58 @@ OpenResult Database::open(const QString &path, const QString &password)
     const QFileInfo info(path);
     if (!info.exists() || !info.isFile())
         return result(OpenOutcome::Failed, ErrFileNotFound, QStringLiteral("%1 non trovato").arg(path));
+    // Found at open, not at the first write: a file or a folder its owner may not write (root too, whom the
+    // system would let write all the same), or a read-only medium.
+    if (!readOnly && !writableFileAndFolder(path))
+        return result(OpenOutcome::Failed, ErrReadOnly, QStringLiteral("%1 in sola lettura").arg(path));
+    // The run's lock comes first, so that the header is read and checked under it.
+    if (lockUse == LockUse::Take) {
+        switch (m_lock.acquire(info.absoluteFilePath(), readOnly, RunLock::defaultWaitMs())) {
+        case RunLock::Outcome::Held:
+            break;
+        case RunLock::Outcome::Busy:
+            return result(OpenOutcome::Locked, ErrLocked, QStringLiteral("%1 bloccato").arg(m_lock.lockPathFor(path)));
+        case RunLock::Outcome::Unavailable:
+            // A read-only folder without a lock file: no copy of the program can write there either.
+            if (!readOnly)
+                return result(OpenOutcome::Failed, ErrReadOnly,
+                    QStringLiteral("impossibile creare %1").arg(RunLock::lockPathFor(path)));
+            break;
+        }
+    }
     const std::optional<Header> header = readHeader(path);
     if (!header)
         return result(OpenOutcome::Failed, ErrReadOnly, QStringLiteral("%1 non leggibile").arg(path));
-    // A file that is not an SQLite database at all (random bytes, nothing) is damaged; a database of
-    // another program is refused as the wrong password would be.
+    // A file that is not an SQLite database at all (random bytes, nothing) is damaged; so, for the user, is a
+    // database of another program: neither is a matter of password.
     if (!header->sqlite)
         return result(OpenOutcome::Failed, ErrDamaged, QStringLiteral("%1 non è un archivio valido").arg(path));
     if (header->applicationId != static_cast<quint32>(kApplicationId))
-        return result(OpenOutcome::AccessDenied, ErrAccessDenied, QStringLiteral("non è un archivio di Valorimetrico"));
+        return result(OpenOutcome::Failed, ErrDamaged, QStringLiteral("non è un archivio di Valorimetrico"),
+            errorText(ErrDamaged,
+                QStringLiteral("Il file non è un archivio dati di Valorimetrico: è danneggiato o di un altro "
+                               "programma.")));
     if (header->userVersion > kSchemaVersion)
         return result(OpenOutcome::Failed, ErrNewerVersion,
             QStringLiteral("archivio di una versione successiva (%1)").arg(header->userVersion));
-    if (!info.isWritable())
-        return result(OpenOutcome::Failed, ErrReadOnly, QStringLiteral("%1 in sola lettura").arg(path));
 
     m_connection = newConnectionName();
     m_db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     m_db.setDatabaseName(path);
     // No waiting: a database held by another copy of the program stays held for that copy's whole run.
-    m_db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
+    m_db.setConnectOptions(readOnly ? QStringLiteral("QSQLITE_BUSY_TIMEOUT=0;QSQLITE_OPEN_READONLY")
+                                    : QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
     if (!m_db.open()) {
         const StoreError error = engineError(m_db.lastError());
         return result(OpenOutcome::Failed, error.number, error.detail);
     }
 
-    const OpenOutcome outcome = lockAndCheck(password, header->userVersion);
+    const OpenOutcome outcome = lockAndCheck(password, header->userVersion, readOnly);
     if (outcome != OpenOutcome::Ok)
-        return result(outcome, m_error.number, m_error.detail);
+        return result(outcome, m_error.number, m_error.detail, m_error.message);
     m_path = info.absoluteFilePath();
     m_password = password;
+    m_readOnly = readOnly;
     return result(OpenOutcome::Ok, ErrNone, {});
 }
 
@@ -435,10 +518,16 @@ StoreError Database::compact()
     const QString password = m_password;
     const QString temp = QFileInfo(original).dir().filePath(QString::fromLatin1(kCompactionFileName));
 
+    if (m_readOnly) {
+        fail(ErrReadOnly, QStringLiteral("archivio aperto in sola lettura"));
+        return m_error;
+    }
     if (QFileInfo::exists(temp) && !QFile::remove(temp)) {
         fail(ErrEngine, QStringLiteral("impossibile rimuovere %1").arg(temp));
         return m_error;
     }
+    if (const StoreError kept = backup::make(*this, backup::Reason::BeforeCompaction); kept.failed())
+        return m_error = kept;
     {
         QSqlQuery query(m_db);
         if (!exec(query, QStringLiteral("VACUUM INTO ?"), { temp })) {
@@ -448,7 +537,7 @@ StoreError Database::compact()
     }
     {
         Database copy;
-        const OpenResult opened = copy.open(temp, password);
+        const OpenResult opened = copy.openFile(temp, password, false, LockUse::None);
         if (!opened.ok() || !copy.checkIntegrity()) {
             const StoreError error = opened.ok() ? copy.lastError() : opened.error;
             copy.close();
@@ -475,8 +564,8 @@ StoreError Database::compact()
         return m_error;
     }
     syncPath(QFileInfo(original).absolutePath());
-    close();
-    const OpenResult reopened = open(original, password);
+    // Reopened under the run's lock, still held: no other copy can open the new file before this one does.
+    const OpenResult reopened = openFile(original, password, false, LockUse::AlreadyHeld);
     return reopened.ok() ? StoreError {} : reopened.error;
 }
 

@@ -20,6 +20,7 @@
 
 #include "core/ProgramFolder.h"
 #include "store/Records.h"
+#include "store/RunLock.h"
 
 #include <QList>
 #include <QSqlDatabase>
@@ -207,8 +208,28 @@ public:
     // fails with ErrDuplicateKey, a title that is gone with ErrNoRecord, changing nothing.
     bool renameTitle(qint64 idTitolo, const QString &newSymbol, const QString &newName);
 
+    // --- safety: read-only runs, backups, the run's lock ---
+    // Opens for reading only, under a shared run lock: for the reports when the file or its folder cannot be
+    // written (open() then fails with ErrReadOnly), and for the desktop program, which says so at start-up. An
+    // older schema is read as it is. Every write then fails with ErrReadOnly.
+    OpenResult openReadOnly(const QString &path, const QString &password = QString::fromLatin1(kDatabasePassword));
+    bool isReadOnly() const { return m_readOnly; }
+    // A consistent copy of the open database at target (SQLite's VACUUM INTO, the path bound), readable by its
+    // owner only, made under a temporary name and renamed into place. Never overwrites target.
+    StoreError copyTo(const QString &target);
+    // PRAGMA integrity_check over the whole file; false with ErrDamaged when it finds anything.
+    bool verifyIntegrity();
+    // Opens a file that no other copy of the program knows (a copy being checked), without the run's lock.
+    OpenResult openPrivateCopy(const QString &path, const QString &password = QString::fromLatin1(kDatabasePassword));
+
 private:
     friend class Transaction;
+    enum class LockUse { Take, AlreadyHeld, None };
+    OpenResult openFile(const QString &path, const QString &password, bool readOnly, LockUse lockUse);
+    void closeConnection(); // keeps the run's lock
+    static bool writableFileAndFolder(const QString &path);
+    RunLock m_lock;
+    bool m_readOnly = false;
 
     bool begin();
     bool commit();
@@ -221,7 +242,7 @@ private:
     std::optional<DossierRow> heldTitle(qint64 idTitolo);
     bool ready(); // open, with the last error cleared
     bool checkIntegrity();
-    OpenOutcome lockAndCheck(const QString &password, int fileVersion);
+    OpenOutcome lockAndCheck(const QString &password, int fileVersion, bool readOnly);
 
     QSqlDatabase m_db;
     QString m_connection;
@@ -230,6 +251,9 @@ private:
     StoreError m_error;
     int m_depth = 0; // open transactions: the outermost real, the others savepoints
 };
+
+// The Italian explanation of an error number, shown below "Errore " + number; empty when there is none.
+QString errorExplanation(int number);
 
 // What the user is told when a read fails: "Impossibile leggere " + what + " dall'archivio dati." and the
 // error's number and explanation on the lines below.

@@ -2,7 +2,9 @@
 #include "app/Startup.h"
 #include "auxiliary/SplashWindow.h"
 #include "core/ProgramState.h"
+#include "store/Backup.h"
 #include "store/Database.h"
+#include "support/RawSql.h"
 #include "support/TestSupport.h"
 
 #include <QtTest>
@@ -40,6 +42,7 @@ private Q_SLOTS:
     {
         testing::reset();
         m_folderChecks = 0;
+        vm::store::RunLock::setDefaultWaitMs(0); // a copy held here stays held: no waiting for it
         m_folder = std::make_unique<QTemporaryDir>();
         QVERIFY(!vm::store::Database::create(file("valorimetrico.mdb")).failed());
     }
@@ -65,6 +68,8 @@ private Q_SLOTS:
             "Valorimetrico|Importante!, l'archivio di Quotaflusso non è stato trovato, non posso proseguire.", 1);
         row("wrong password", "Password non esatta|Accesso ai dati non consentito", 0);
         row("in use", "Valorimetrico|Errore 3356", 0);
+        // Another program's database is no question of password.
+        row("foreign", "Valorimetrico|Errore 3049", 0);
         row("splash not a number", "Valorimetrico|Errore 13", 0);
     }
     void refused()
@@ -83,6 +88,8 @@ private Q_SLOTS:
             QVERIFY(QFile::remove(db) && !vm::store::Database::create(db, QStringLiteral("altra")).failed());
         else if (kind == QLatin1String("in use"))
             QVERIFY(other.open(db).ok());
+        else if (kind == QLatin1String("foreign"))
+            QVERIFY(QFile::remove(db) && vm::test::rawSql(db, { "CREATE TABLE clienti (nome TEXT)" }).isNull());
         else
             writeFile("valorimetrico.ini", "[Opzioni]\nSplash=si\n");
         const QByteArray before = contents("valorimetrico.mdb");
@@ -166,6 +173,41 @@ private Q_SLOTS:
         QCOMPARE(vmtest::shown(), QStringList(2, "Valorimetrico|Database compattato."));
         QVERIFY(startup.database().isOpen());
         QVERIFY(!QFile::exists(file("temp.mdb")));
+        // Each compaction kept the database as it was before it.
+        QCOMPARE(QDir(file("backup")).entryList({ "*-compattazione*.mdb" }, QDir::Files).size(), 2);
+    }
+
+    // The first start of the day keeps the day's copy and clears what an interrupted write left; the second
+    // start of the day makes no other copy.
+    void firstStartOfTheDayKeepsACopy()
+    {
+        writeFile("valorimetrico.ini", "[Opzioni]\nSplash=0\n");
+        writeFile("valorimetrico.ini.Ab12Cd", "[Opzioni]\nSpl");
+        const QStringList day { vm::store::backup::fileName(
+            vm::store::backup::Reason::Daily, QDateTime::currentDateTime()) };
+        for (int start = 0; start < 2; ++start) {
+            Startup startup(environment());
+            QVERIFY(startup.Main());
+            QCOMPARE(QDir(file("backup")).entryList(QDir::Files), day);
+        }
+        QVERIFY(!QFile::exists(file("valorimetrico.ini.Ab12Cd")));
+        QCOMPARE(vmtest::shown(), QStringList());
+    }
+
+    // A program folder that cannot be written is said at start-up; the program goes on, showing the data.
+    void readOnlyFolderIsSaidAtStart()
+    {
+        writeFile("valorimetrico.ini", "[Opzioni]\nSplash=0\n");
+        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::ExeOwner));
+        Startup startup(environment());
+        const bool started = startup.Main();
+        QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QVERIFY(started);
+        QVERIFY(startup.mainWindow()->isVisible());
+        QVERIFY(startup.database().isReadOnly());
+        QCOMPARE(vmtest::shown(),
+            QStringList { QStringLiteral("Valorimetrico|") + QString::fromUtf8(vm::kReadOnlyMessage) });
+        QVERIFY(!QDir(file("backup")).exists());
     }
 };
 

@@ -17,21 +17,25 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("master");
         QTest::addColumn<QByteArray>("xmaster"); // not written when empty
         QTest::addColumn<int>("titoli");
+        QTest::addColumn<bool>("danneggiata");
         QList<QByteArray> r;
         for (int i = 0; i < 300; ++i)
             r.append(recordMasterArchivio(prova::titolo(QStringLiteral("S%1").arg(i), "N"), i, {}));
         const QByteArray tre = datiMasterArchivio(r.mid(0, 3), 3);
         const QByteArray x = datiXMasterArchivio({ recordXMasterArchivio(prova::titolo("X", "X"), 256) }, 257);
 
-        QTest::newRow("empty MASTER") << QByteArray() << QByteArray() << 0;
-        QTest::newRow("MASTER shorter than a record") << tre.left(52) << QByteArray() << 0;
-        QTest::newRow("count 0, records after it") << datiMasterArchivio({}, 0) + r[0] << QByteArray() << 0;
-        QTest::newRow("count beyond the file") << QByteArray(tre).replace(0, 1, "\xC8") << QByteArray() << 3;
-        QTest::newRow("last record cut short") << tre.chopped(1) << QByteArray() << 2;
-        QTest::newRow("16-bit count") << datiMasterArchivio(r, 300) << QByteArray() << 300;
-        QTest::newRow("broken XMASTER") << tre << QByteArray("broken file\n") << 3;
-        QTest::newRow("XMASTER count too large") << tre << QByteArray(x).replace(10, 1, "\x09") << 4;
-        QTest::newRow("XMASTER record cut short") << tre << x.chopped(1) << 3;
+        // The titles that are there are read; the folder is damaged when its bytes fall short of its counts.
+        QTest::newRow("empty MASTER") << QByteArray() << QByteArray() << 0 << true;
+        QTest::newRow("MASTER shorter than a record") << tre.left(52) << QByteArray() << 0 << true;
+        QTest::newRow("60-byte MASTER") << tre.left(60) << QByteArray() << 0 << true;
+        QTest::newRow("count 0, records after it") << datiMasterArchivio({}, 0) + r[0] << QByteArray() << 0 << false;
+        QTest::newRow("count beyond the file") << QByteArray(tre).replace(0, 1, "\xC8") << QByteArray() << 3 << true;
+        QTest::newRow("last record cut short") << tre.chopped(1) << QByteArray() << 2 << true;
+        QTest::newRow("16-bit count") << datiMasterArchivio(r, 300) << QByteArray() << 300 << false;
+        QTest::newRow("broken XMASTER") << tre << QByteArray("broken file\n") << 3 << true;
+        QTest::newRow("XMASTER count too large") << tre << QByteArray(x).replace(10, 1, "\x09") << 4 << true;
+        QTest::newRow("XMASTER record cut short") << tre << x.chopped(1) << 3 << true;
+        QTest::newRow("sound, with XMASTER") << tre << x << 4 << false;
     }
 
     void danni()
@@ -39,12 +43,14 @@ private Q_SLOTS:
         QFETCH(QByteArray, master);
         QFETCH(QByteArray, xmaster);
         QFETCH(int, titoli);
+        QFETCH(bool, danneggiata);
         const QString percorso = cartella({});
         QVERIFY(scriviFile(percorso + "/MASTER", master));
         QVERIFY(xmaster.isEmpty() || scriviFile(percorso + "/xmaster", xmaster));
         const CartellaMS c = CartellaMS::leggi(percorso);
         QCOMPARE(c.stato, CartellaMS::Stato::Letta);
         QCOMPARE(c.titoli.size(), titoli);
+        QVERIFY2(c.danneggiata() == danneggiata, qPrintable(c.danno));
     }
 
     void trovaTicker_data()
