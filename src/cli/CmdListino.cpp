@@ -1,6 +1,7 @@
 #include "cli/CmdListino.h"
 
 #include "cli/CmdMetastock.h"
+#include "cli/CmdSafety.h"
 #include "core/ProgramFolder.h"
 #include "store/Database.h"
 
@@ -165,11 +166,8 @@ int cmdListino(const QStringList &arguments, cli::Io &io)
     }
 
     store::Database db;
-    const auto aperto = db.open(cartella->databasePath());
-    if (!aperto.ok()) {
-        io.err << aperto.error.message << "\n";
+    if (!cli::openDatabase(db, *cartella, io, true)) // these only read: a read-only folder still serves
         return cli::Failure;
-    }
     const auto cartelle = db.folders();
     if (!cartelle) {
         io.err << store::readFailure(QString::fromUtf8(store::kWhatFolders), db.lastError()) << "\n";

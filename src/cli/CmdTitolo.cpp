@@ -1,5 +1,6 @@
 #include "cli/CmdTitolo.h"
 
+#include "cli/CmdSafety.h"
 #include "core/ProgramFolder.h"
 #include "metastock/Master.h"
 #include "store/Database.h"
@@ -207,11 +208,8 @@ int cmdTitolo(const QStringList &arguments, cli::Io &io)
     }
 
     store::Database db;
-    const auto aperto = db.open(cartella->databasePath());
-    if (!aperto.ok()) {
-        io.err << aperto.error.message << "\n";
+    if (!cli::openDatabase(db, *cartella, io, true)) // these only read: a read-only folder still serves
         return cli::Failure;
-    }
     const std::optional<store::DossierRow> riga = db.findTitleBySymbol(simbolo);
     if (!riga) {
         io.err << (db.lastError().failed() ? db.lastError().message : QString::fromLatin1(kMessaggioTitoloAssente))

@@ -309,6 +309,8 @@ private Q_SLOTS:
         QVERIFY2(report.status == 0, qPrintable(report.err));
         QVERIFY(report.err.contains(QStringLiteral("sola lettura")));
         QCOMPARE(report.out.count(u'\n'), 5);
+        const Run board = runCli(withFolder({ "listino", "--dossier" }));
+        QVERIFY2(board.status == 0 && board.err.contains(QStringLiteral("sola lettura")), qPrintable(board.err));
         const Run registra = runCli(withFolder({ "dossier", "--registra" }));
         QCOMPARE(registra.status, 1);
         QVERIFY2(registra.err.contains(QStringLiteral("Errore 3051\nArchivio dati in sola lettura")),
