@@ -6,11 +6,14 @@
 #include "store/Database.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QImage>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <algorithm>
 
 using namespace vm;
 using namespace vm::dossier;
@@ -158,6 +161,44 @@ private Q_SLOTS:
         const Pagina p
             = paginaDossier(righe(), { "300,00", "310,00", "10,00", "3,33%", 300, 310 }, QDate::currentDate()).first();
         controllaColori(img, 2, p);
+    }
+
+    // The command line refuses a --pdf it cannot honour with its own exit status and says why; an earlier
+    // file of that name is left whole.
+    void pdfRifiutatoDallaRigaDiComando_data()
+    {
+        QTest::addColumn<QStringList>("pdf"); // what follows --pdf ("@" the temporary folder)
+        QTest::addColumn<int>("stato");
+        QTest::addColumn<QString>("errore"); // the first line on standard error
+        QTest::newRow("no name") << QStringList {} << 2 << "Manca il nome del file dopo --pdf";
+        QTest::newRow("empty name") << QStringList { "" } << 2 << "Manca il nome del file dopo --pdf";
+        QTest::newRow("a folder that does not exist")
+            << QStringList { "@/manca/dossier.pdf" } << 1 << "Impossibile scrivere il file @/manca/dossier.pdf: ";
+        QTest::newRow("a folder in the file's place")
+            << QStringList { "@/cartella.pdf" } << 1 << "Impossibile scrivere il file @/cartella.pdf: ";
+    }
+
+    void pdfRifiutatoDallaRigaDiComando()
+    {
+        QFETCH(QStringList, pdf);
+        QFETCH(QString, errore);
+        QVERIFY(QDir().mkpath(m_tmp.filePath(QStringLiteral("cartella.pdf"))));
+        for (QString &a : pdf)
+            a.replace(u'@', m_tmp.path());
+        errore.replace(u'@', m_tmp.path());
+        QProcess cli;
+        cli.start(QStringLiteral(VM_CLI_PATH),
+            QStringList {
+                QStringLiteral("dossier"), QStringLiteral("--cartella"), m_programma, QStringLiteral("--pdf") }
+                + pdf);
+        QVERIFY(cli.waitForFinished(60000));
+        QTEST(cli.exitCode(), "stato");
+        const QStringList righe = QString::fromUtf8(cli.readAllStandardError()).split(u'\n');
+        const auto riga = std::find_if(righe.begin(), righe.end(),
+            [](const QString &r) { return !r.startsWith(QLatin1String("QStandardPaths")); });
+        QVERIFY(riga != righe.end());
+        QVERIFY2(riga->startsWith(errore), qPrintable(*riga));
+        QVERIFY(QFileInfo(m_tmp.filePath(QStringLiteral("cartella.pdf"))).isDir());
     }
 
     // A refused file leaves nothing behind and says why.
