@@ -2,6 +2,7 @@
 // controls found by name: opening and its messages, the list's colours, a row chosen, the chart's
 // choices, the history over a period with its deletion, renaming, removal and printing.
 #include "app/MainWindow.h"
+#include "app/WindowRegistry.h"
 #include "core/Format.h"
 #include "core/ProgramState.h"
 #include "core/Settings.h"
@@ -547,6 +548,38 @@ private Q_SLOTS:
         };
         child<QPushButton>(w, "Command1")->click();
         QVERIFY(QFileInfo(stampato).size() > 1000);
+    }
+
+    // Wired as the program wires every subsystem, the double click and the pop-up menu's "Situazione"
+    // both reach the situation window of the row's title (Form11, the operations' own), found by name.
+    void situazioneConTutteLeFinestre_data()
+    {
+        QTest::addColumn<QString>("via");
+        QTest::newRow("double click") << "doppio clic";
+        QTest::newRow("pop-up menu, Situazione") << "m_cn_situazione";
+    }
+
+    void situazioneConTutteLeFinestre()
+    {
+        QFETCH(QString, via);
+        vm::registerWindows(*m_main, program().context(*m_main, m_db));
+        dossier({ "SU", "GIU" });
+        apriDossier();
+        QTreeWidget *l = lista();
+        const QPoint riga = l->visualItemRect(l->topLevelItem(1)).center();
+        if (via == QLatin1String("doppio clic")) {
+            // The first press of a double click, which the view needs to see on the same row.
+            QTest::mouseClick(l->viewport(), Qt::LeftButton, {}, riga);
+            QTest::mouseDClick(l->viewport(), Qt::LeftButton, {}, riga);
+        } else {
+            l->setCurrentItem(l->topLevelItem(1)); // as the right button does before the menu
+            m_main->popupMenu(PopupMenu::Title)->findChild<QAction *>(QStringLiteral("m_cn_situazione"))->trigger();
+        }
+        QWidget *form11 = m_main->findChild<QWidget *>(QStringLiteral("Form11"));
+        QVERIFY2(form11, qPrintable(shown().join(u'\n') + QStringLiteral(" / asked: ") + m_aperti.join(u',')));
+        QCOMPARE(child<QLabel>(form11, "Simbolo")->text().trimmed(), QStringLiteral("GIU"));
+        form11->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
     // The pictures of the documentation, on the demo folder: VM_SCREENSHOT_DIR=docs names where.
