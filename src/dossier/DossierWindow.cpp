@@ -123,6 +123,8 @@ DossierWindow::DossierWindow(const WindowContext &context)
 
     setWindowIcon(themeIcon("x-office-spreadsheet"));
     auto *contenuto = new QWidget(this);
+    // The view's widget carries the name too: F1 asks the active view's widget for its help topic.
+    contenuto->setObjectName(QStringLiteral("Form5"));
     setWidget(contenuto);
     auto *layout = new QVBoxLayout(contenuto);
     layout->setContentsMargins(2, 2, 2, 2);

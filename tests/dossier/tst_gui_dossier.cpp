@@ -23,6 +23,7 @@
 #include <QDateEdit>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QPrinter>
@@ -274,6 +275,9 @@ private Q_SLOTS:
         apriDossier();
         QCOMPARE(finestra(), prima);
         QVERIFY(prima->isMaximized());
+        // F1 finds the help topic of the active view by its widget's name.
+        QCOMPARE(m_main->mdiArea()->activeSubWindow(), prima);
+        QCOMPARE(prima->widget()->objectName(), QStringLiteral("Form5"));
         QCOMPARE(m_main->findChildren<DossierWindow *>().size(), 1);
         QVERIFY(!prima->inStorico());
     }
