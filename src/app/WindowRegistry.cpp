@@ -6,6 +6,7 @@
 #include "archives/ArchivesWindows.h"
 #include "auxiliary/AuxiliaryWindows.h"
 #include "auxiliary/HelpViewer.h"
+#include "dossier/DossierWindows.h"
 #include "gui/DataEvents.h"
 #include "gui/WindowContext.h"
 #include "operations/OperationsWindows.h"
@@ -19,6 +20,7 @@ namespace vm {
 void registerWindows(MainWindow &mainWindow, const WindowContext &context)
 {
     aux::registerWindows(context);
+    dossier::registerWindows(context);
     registerFolderCheck(mainWindow, context);
     security::registerWindows(context);
     operations::registerWindows(context);

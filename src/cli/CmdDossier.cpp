@@ -3,12 +3,14 @@
 #include "cli/CmdSafety.h"
 #include "core/ProgramFolder.h"
 #include "core/ProgramInfo.h"
+#include "dossier/DossierPage.h"
 #include "dossier/Storico.h"
 #include "metastock/Master.h"
 #include "store/Backup.h"
 #include "store/Database.h"
 
 #include <QDir>
+#include <QGuiApplication>
 
 #include <array>
 #include <charconv>
@@ -20,15 +22,17 @@ namespace {
 
 void usage(QTextStream &s)
 {
-    s << "Uso: valorimetrico-cli dossier [--cartella DIR] [--csv] [--registra]\n\n"
+    s << "Uso: valorimetrico-cli dossier [--cartella DIR] [--csv] [--registra] [--pdf FILE]\n\n"
          "Valuta i titoli del dossier con l'ultima quotazione degli archivi MetaStock e stampa\n"
          "acquisto, data, valore attuale, differenza e percentuale di ogni titolo, con i totali.\n\n"
          "  --csv       una riga CSV per titolo: id,simbolo,descrizione,acquisto,data,attuale,\n"
          "              differenza,percentuale,stato (punto decimale, data aaaa-mm-gg)\n"
-         "  --registra  registra il valore del giorno nello storico, se non è già presente\n\n"
+         "  --registra  registra il valore del giorno nello storico, se non è già presente\n"
+         "  --pdf FILE  scrive nel file PDF la pagina stampata del dossier\n\n"
          "Gli avvisi vanno sull'errore standard. Esce con 0 se la valutazione è stata eseguita,\n"
-         "con 1 se il database non si apre. Con --registra non registra nulla ed esce con 3 se una\n"
-         "cartella non si legge o un titolo non ha quotazione: il totale sarebbe sbagliato.\n";
+         "con 1 se il database non si apre o il PDF non è stato scritto. Con --registra non registra\n"
+         "nulla ed esce con 3 se una cartella non si legge o un titolo non ha quotazione: il totale\n"
+         "sarebbe sbagliato.\n";
 }
 
 // The shortest text that reads back as the same double, in plain decimal notation.
@@ -69,6 +73,11 @@ QStringList ostacoliRegistrazione(const QStringList &cartelle, qsizetype titoli,
 }
 
 } // namespace
+
+bool chiedePdf(const QStringList &args)
+{
+    return args.size() > 1 && args.first() == QLatin1String("dossier") && args.contains(QLatin1String("--pdf"));
+}
 
 QString csvDossier(const QList<RigaDossier> &righe)
 {
@@ -140,10 +149,25 @@ int cmdDossier(const QStringList &arguments, cli::Io &io)
     }
     const bool csv = args.removeAll(QStringLiteral("--csv")) > 0;
     const bool registra = args.removeAll(QStringLiteral("--registra")) > 0;
+    QString pdf;
+    if (const qsizetype i = args.indexOf(QStringLiteral("--pdf")); i >= 0) {
+        if (i + 1 >= args.size() || args[i + 1].isEmpty()) {
+            io.err << "Manca il nome del file dopo --pdf\n";
+            usage(io.err);
+            return cli::Usage;
+        }
+        pdf = args[i + 1];
+        args.remove(i, 2);
+    }
     if (!args.isEmpty()) {
         io.err << "Argomento non previsto: " << args.first() << "\n";
         usage(io.err);
         return cli::Usage;
+    }
+    // Painting needs the GUI side of Qt running (main() starts it when --pdf is asked for).
+    if (!pdf.isEmpty() && !qobject_cast<QGuiApplication *>(QCoreApplication::instance())) {
+        io.err << "Esportazione PDF non disponibile in questo programma\n";
+        return cli::Failure;
     }
     if (!cartella->prepare(store::Database::createIfMissing, errore)) {
         io.err << errore << "\n";
@@ -180,9 +204,17 @@ int cmdDossier(const QStringList &arguments, cli::Io &io)
         io.err << a.titolo << ": " << QString(a.testo).trimmed() << "\n";
     }
     io.out << (csv ? csvDossier(v.righe) : tabellaDossier(v));
+    // The printed page shows what was valued, whether or not the day's total may be recorded; a page that
+    // could not be written does not keep the day's total from the history.
+    bool pdfScritto = true;
+    if (!pdf.isEmpty()
+        && !scriviPdf(paginaDossier(righeStampa(v.righe), v.totali, QDate::currentDate()), pdf, &errore)) {
+        io.err << errore << "\n";
+        pdfScritto = false;
+    }
 
     if (!registra)
-        return cli::Ok;
+        return pdfScritto ? cli::Ok : cli::Failure;
     if (const QStringList ostacoli = ostacoliRegistrazione(*cartelle, titoli->size(), v); !ostacoli.isEmpty()) {
         io.err << "Valore del giorno non registrato nello storico: il totale non comprende tutto il dossier.\n";
         for (const QString &o : ostacoli)
@@ -193,7 +225,7 @@ int cmdDossier(const QStringList &arguments, cli::Io &io)
         io.err << errorText(db.lastError().number, db.lastError().message) << "\n";
         return cli::Failure;
     }
-    return cli::Ok;
+    return pdfScritto ? cli::Ok : cli::Failure;
 }
 
 } // namespace vm::dossier

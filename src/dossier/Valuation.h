@@ -83,7 +83,7 @@ struct TotaliDossier {
 
 // A message the caller shows, in the order the overview shows them.
 struct Avviso {
-    enum class Icona { Nessuna, Critica };
+    enum class Icona { Nessuna, Critica, Informazione, Esclamazione, Domanda };
     QString titolo;
     QString testo;
     Icona icona = Icona::Nessuna;
