@@ -23,8 +23,8 @@ QString corpo(const QString &html)
 {
     static const QRegularExpression body(QStringLiteral("<body[^>]*>(.*)</body>"),
         QRegularExpression::DotMatchesEverythingOption | QRegularExpression::CaseInsensitiveOption);
-    static const QRegularExpression nav(QStringLiteral("<div class=\"nav\">.*?</div>"),
-        QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression nav(
+        QStringLiteral("<div class=\"nav\">.*?</div>"), QRegularExpression::DotMatchesEverythingOption);
     static const QRegularExpression link(QStringLiteral("</?a( [^>]*)?>"));
     const QRegularExpressionMatch m = body.match(html);
     QString testo = m.hasMatch() ? m.captured(1) : html;
@@ -86,8 +86,8 @@ int main(int argc, char **argv)
             std::fprintf(stderr, "Impossibile leggere %s\n", qPrintable(args.at(i)));
             return 1;
         }
-        html += QStringLiteral("<div style=\"page-break-before: always;\">")
-            + corpo(QString::fromUtf8(f.readAll())) + QStringLiteral("</div>");
+        html += QStringLiteral("<div style=\"page-break-before: always;\">") + corpo(QString::fromUtf8(f.readAll()))
+            + QStringLiteral("</div>");
     }
     html += QStringLiteral("</body></html>");
 

@@ -51,8 +51,8 @@ Progetto leggiProgetto()
         else if (xml.name() == u"section")
             p.toc << a.value(QLatin1String("ref")).toString();
         else if (xml.name() == u"keyword")
-            p.parole << Progetto::Voce { a.value(QLatin1String("name")).toString(), a.value(QLatin1String("id")).toString(),
-                a.value(QLatin1String("ref")).toString() };
+            p.parole << Progetto::Voce { a.value(QLatin1String("name")).toString(),
+                a.value(QLatin1String("id")).toString(), a.value(QLatin1String("ref")).toString() };
     }
     if (xml.hasError())
         qWarning("valorimetrico.qhp: %s (riga %lld)", qPrintable(xml.errorString()), xml.lineNumber());
@@ -175,8 +175,7 @@ void TstManuale::pagine()
         if (xml.readNext() == QXmlStreamReader::StartElement && xml.name() == u"title")
             titolo = xml.readElementText();
     }
-    QVERIFY2(!xml.hasError(),
-        qPrintable(QStringLiteral("%1 riga %2").arg(xml.errorString()).arg(xml.lineNumber())));
+    QVERIFY2(!xml.hasError(), qPrintable(QStringLiteral("%1 riga %2").arg(xml.errorString()).arg(xml.lineNumber())));
     QVERIFY2(!titolo.trimmed().isEmpty(), "pagina senza <title>");
     QVERIFY(html.contains(QLatin1String("href=\"stile.css\"")));
 
