@@ -80,6 +80,9 @@ DiagrammaDossier::DiagrammaDossier(QWidget *parent)
     chart()->setAnimationOptions(QChart::NoAnimation);
     chart()->legend()->setAlignment(Qt::AlignBottom);
     chart()->setMargins(QMargins(4, 4, 4, 4));
+    // Axis labels with the thousands point, whatever the system's locale.
+    chart()->setLocale(italianLocale());
+    chart()->setLocalizeNumbers(true);
 }
 
 void DiagrammaDossier::pulisci()
