@@ -1,6 +1,10 @@
 #include "core/AtomicFile.h"
 
+#include <QFile>
 #include <QSaveFile>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace vm {
 
@@ -15,6 +19,16 @@ bool writeFileAtomically(const QString &path, const QByteArray &data, QString *e
         *error = file.errorString();
     file.cancelWriting();
     return false;
+}
+
+bool syncPath(const QString &path)
+{
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool ok = ::fsync(fd) == 0;
+    ::close(fd);
+    return ok;
 }
 
 } // namespace vm

@@ -12,4 +12,8 @@ namespace vm {
 // old file is then untouched.
 bool writeFileAtomically(const QString &path, const QByteArray &data, QString *error = nullptr);
 
+// Flushes a file or a folder to the disk: a file before it is renamed over another, so that the rename cannot
+// overtake its data; the folder after, so that the rename itself survives a power cut.
+bool syncPath(const QString &path);
+
 } // namespace vm

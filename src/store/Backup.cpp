@@ -1,4 +1,5 @@
 #include "store/Backup.h"
+#include "core/AtomicFile.h"
 
 #include "core/ProgramInfo.h"
 
@@ -42,16 +43,6 @@ QString reasonWord(Reason reason)
 StoreError failure(int number, const QString &detail, const QString &explanation = {})
 {
     return { number, errorText(number, explanation.isEmpty() ? errorExplanation(number) : explanation), detail };
-}
-
-bool syncPath(const QString &path)
-{
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
-        return false;
-    const bool ok = ::fsync(fd) == 0;
-    ::close(fd);
-    return ok;
 }
 
 // The backup folder, made private when the program makes it.

@@ -1,4 +1,5 @@
 #include "store/Database.h"
+#include "core/AtomicFile.h"
 
 #include "store/Backup.h"
 #include "store/Internal.h"
@@ -110,17 +111,6 @@ std::optional<Header> readHeader(const QString &path)
         header.userVersion = static_cast<int>(bigEndian32(head, kUserVersionOffset));
     }
     return header;
-}
-
-// Flushes a file or a folder to the disk, so that a rename that follows cannot overtake the data.
-bool syncPath(const QString &path)
-{
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
-        return false;
-    const bool ok = ::fsync(fd) == 0;
-    ::close(fd);
-    return ok;
 }
 
 // A connection of its own for create(): the created file is never the one a Database holds.

@@ -1,5 +1,6 @@
 // The safety subsystem's statements: read-only opening, online copies, the integrity check.
 
+#include "core/AtomicFile.h"
 #include "store/Database.h"
 
 #include <QDir>
@@ -19,16 +20,6 @@ namespace {
 bool ownerMayWrite(const QFileInfo &info)
 {
     return info.isWritable() && info.permission(QFileDevice::WriteOwner);
-}
-
-bool syncFile(const QString &path)
-{
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0)
-        return false;
-    const bool ok = ::fsync(fd) == 0;
-    ::close(fd);
-    return ok;
 }
 
 } // namespace
@@ -77,13 +68,13 @@ StoreError Database::copyTo(const QString &target)
             return m_error;
     }
     // Linked under the final name rather than renamed: link() never replaces a file that appeared meanwhile.
-    if (!syncFile(scratch.fileName())
+    if (!syncPath(scratch.fileName())
         || ::link(QFile::encodeName(scratch.fileName()).constData(), QFile::encodeName(target).constData()) != 0) {
         fail(QFileInfo::exists(target) ? ErrAlreadyExists : ErrEngine,
             QStringLiteral("impossibile scrivere %1").arg(target));
         return m_error;
     }
-    syncFile(info.absolutePath());
+    syncPath(info.absolutePath());
     return {};
 }
 
