@@ -130,12 +130,10 @@ int cmdListino(const QStringList &arguments, cli::Io &io)
         return cli::Ok;
     }
     QStringList args = arguments;
-    QString errore;
-    const auto cartella = ProgramFolder::fromArguments(args, errore);
-    if (!cartella) {
-        io.err << errore << "\n";
+    const auto cartella = cli::programFolderOf(args, io);
+    if (!cartella)
         return cli::Usage;
-    }
+    QString errore;
     const bool csv = args.removeAll(QStringLiteral("--csv")) > 0;
     const bool dossier = args.removeAll(QStringLiteral("--dossier")) > 0;
     std::optional<QString> lettera;

@@ -29,19 +29,16 @@ void usageRipristina(QTextStream &s)
          "Esce con 0 se il ripristino è fatto, con 1 se non lo è.\n";
 }
 
-// --cartella and what is left: the folder, or the exit status when the command ends here.
-std::optional<ProgramFolder> folderOf(QStringList &args, Io &io, int &status)
+} // namespace
+
+std::optional<ProgramFolder> programFolderOf(QStringList &args, Io &io)
 {
     QString error;
     auto folder = ProgramFolder::fromArguments(args, error);
-    if (!folder) {
+    if (!folder)
         io.err << error << "\n";
-        status = Usage;
-    }
     return folder;
 }
-
-} // namespace
 
 bool openDatabase(store::Database &db, const ProgramFolder &folder, Io &io, bool readOnlyAllowed)
 {
@@ -67,10 +64,9 @@ int cmdBackup(const QStringList &arguments, Io &io)
         return Ok;
     }
     QStringList args = arguments;
-    int status = Ok;
-    const auto folder = folderOf(args, io, status);
+    const auto folder = programFolderOf(args, io);
     if (!folder)
-        return status;
+        return Usage;
     if (!args.isEmpty()) {
         io.err << "Argomento non previsto: " << args.first() << "\n";
         usageBackup(io.err);
@@ -101,10 +97,9 @@ int cmdRipristina(const QStringList &arguments, Io &io)
         return Ok;
     }
     QStringList args = arguments;
-    int status = Ok;
-    const auto folder = folderOf(args, io, status);
+    const auto folder = programFolderOf(args, io);
     if (!folder)
-        return status;
+        return Usage;
     if (args.size() != 1 || args.first().isEmpty() || args.first().startsWith(u'-')) {
         if (args.size() > 1)
             io.err << "Argomento non previsto: " << args.at(1) << "\n";

@@ -2,6 +2,8 @@
 
 #include "cli/Cli.h"
 
+#include <optional>
+
 namespace vm {
 class ProgramFolder;
 namespace store {
@@ -15,6 +17,10 @@ namespace vm::cli {
 int cmdBackup(const QStringList &args, Io &io);
 // valorimetrico-cli ripristina FILE [--cartella DIR]: a checked copy in place of the database.
 int cmdRipristina(const QStringList &args, Io &io);
+
+// The program folder that --cartella names (taken out of args), or the rule's default; nothing, after saying why on
+// io.err, when the option is wrong: the command then exits with Usage.
+std::optional<ProgramFolder> programFolderOf(QStringList &args, Io &io);
 
 // Opens the program folder's database for a command and removes the leftovers of an interrupted run. A database
 // that cannot be written is opened for reading when readOnlyAllowed (the reports), with a note on io.err. False

@@ -186,12 +186,10 @@ int cmdTitolo(const QStringList &arguments, cli::Io &io)
         return cli::Ok;
     }
     QStringList args = arguments;
-    QString errore;
-    const auto cartella = ProgramFolder::fromArguments(args, errore);
-    if (!cartella) {
-        io.err << errore << "\n";
+    const auto cartella = cli::programFolderOf(args, io);
+    if (!cartella)
         return cli::Usage;
-    }
+    QString errore;
     const bool csv = args.removeAll(QStringLiteral("--csv")) > 0;
     if (args.size() != 1 || args.first().startsWith(QLatin1String("--"))) {
         if (args.isEmpty())

@@ -28,12 +28,10 @@ int cmdVerifica(const QStringList &arguments, Io &io)
         return Ok;
     }
     QStringList args = arguments;
-    QString errore;
-    const auto cartella = ProgramFolder::fromArguments(args, errore);
-    if (!cartella) {
-        io.err << errore << "\n";
+    const auto cartella = programFolderOf(args, io);
+    if (!cartella)
         return Usage;
-    }
+    QString errore;
     if (!args.isEmpty()) {
         io.err << "Argomento non previsto: " << args.first() << "\n";
         usage(io.err);
