@@ -111,14 +111,6 @@ private Q_SLOTS:
         QVERIFY(!nomeIconaStato(r.icona).isEmpty());
     }
 
-    void colonne()
-    {
-        QCOMPARE(kColonneTitoli[ColDifferenza].intestazione, " +/-     ");
-        QCOMPARE(kColonneTitoli[ColPercentuale].intestazione, " Perc.   ");
-        QCOMPARE(kColonneTitoli[ColId].larghezza + kColonneTitoli[ColChiusura].larghezza, 2);
-        QCOMPARE(testoChiusura(3.3f), QStringLiteral("3,3"));
-    }
-
     // Label2, Label5, Label1, Label8: texts and colours; "0,00" blue, only "0" black.
     void totali_data()
     {
