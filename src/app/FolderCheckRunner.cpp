@@ -30,14 +30,15 @@ std::optional<VerificaArchivi> FolderCheckRunner::run()
         return std::nullopt;
     const std::optional<QStringList> read = m_context.db.folders();
     if (!read) {
-        ui::message(&m_mainWindow, store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()),
-            {}, ui::Icon::Critical);
+        ui::message(&m_mainWindow,
+            { store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()), {},
+                ui::Icon::Critical });
         return std::nullopt;
     }
     const QStringList &folders = *read;
     if (folders.isEmpty()) {
-        ui::message(
-            &m_mainWindow, messaggioNessunaCartella(), QString::fromUtf8(kTitoloNessunaCartella), ui::Icon::Critical);
+        ui::message(&m_mainWindow,
+            { messaggioNessunaCartella(), QString::fromUtf8(kTitoloNessunaCartella), ui::Icon::Critical });
         return verificaCartelle(folders);
     }
 
@@ -78,11 +79,11 @@ std::optional<VerificaArchivi> FolderCheckRunner::run()
 
     if (!reportWritten)
         ui::message(&m_mainWindow,
-            QStringLiteral("Impossibile scrivere il report ") + report + QStringLiteral(": ") + reason, {},
-            ui::Icon::Exclamation);
+            { QStringLiteral("Impossibile scrivere il report ") + report + QStringLiteral(": ") + reason, {},
+                ui::Icon::Exclamation });
     if (check.titoliNonValidi) {
-        ui::message(
-            &m_mainWindow, messaggioTitoliNonValidi(), QString::fromUtf8(kTitoloTitoliNonValidi), ui::Icon::Critical);
+        ui::message(&m_mainWindow,
+            { messaggioTitoliNonValidi(), QString::fromUtf8(kTitoloTitoliNonValidi), ui::Icon::Critical });
         if (reportWritten)
             ui::openDocument(report);
     }

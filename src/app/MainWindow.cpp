@@ -476,8 +476,8 @@ void MainWindow::buildToolbars()
     connect(portfolio, &QAction::triggered, this, [this] {
         if (!m_state.ArchiviCompatibili) {
             ui::message(this,
-                QStringLiteral("I dati metastock non sono inseriti da Quotaflusso, questa funzione "
-                               "non è disponibile"));
+                { QStringLiteral("I dati metastock non sono inseriti da Quotaflusso, questa funzione "
+                                 "non è disponibile") });
             return;
         }
         VaiDossierTitoli();
@@ -528,7 +528,7 @@ void MainWindow::buildToolbars()
     });
     connect(key(t3, "crack", "Report verifica archivi", "text-x-generic"), &QAction::triggered, this, [this] {
         if (!ui::openDocument(m_state.file(QString::fromLatin1(kCheckReportFileName))))
-            ui::message(this, ui::noOpenerText(), {}, ui::Icon::Exclamation);
+            ui::message(this, { ui::noOpenerText(), {}, ui::Icon::Exclamation });
     });
 
     // Dossier commands; their order counts: the views refer to buttons 5, 6, 7 and 9 to 11.
@@ -551,8 +551,10 @@ void MainWindow::buildToolbars()
     connect(refresh, &QAction::triggered, this, [this] { run(Hook::RecomputeDossier); });
     QAction *print = key(t4, "print", "Stampa il dossier", "document-print");
     connect(print, &QAction::triggered, this, [this] {
-        if (ui::message(this, QStringLiteral("Confermi la stampa del dossier titoli?"), QStringLiteral("Stampa"),
-                ui::Icon::Question, QMessageBox::Yes | QMessageBox::No)
+        if (ui::message(this,
+                { QStringLiteral("Confermi la stampa del dossier titoli?"), QStringLiteral("Stampa"),
+                    ui::Icon::Question },
+                QMessageBox::Yes | QMessageBox::No)
             == QMessageBox::Yes)
             run(Hook::PrintDossier);
     });
@@ -753,17 +755,18 @@ void MainWindow::compactDatabase()
     const std::optional<QString> error = m_compactor();
     QApplication::restoreOverrideCursor();
     if (error)
-        ui::message(this, *error, {}, ui::Icon::Critical);
+        ui::message(this, { *error, {}, ui::Icon::Critical });
     else
-        ui::message(this, QStringLiteral("Database compattato."), {}, ui::Icon::Exclamation);
+        ui::message(this, { QStringLiteral("Database compattato."), {}, ui::Icon::Exclamation });
 }
 
 // ---------------------------------------------------------------------------------------------
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     unsetCursor();
-    if (ui::message(this, QStringLiteral("Confermi l'uscita?"), QStringLiteral("Uscita dal programma"),
-            ui::Icon::Exclamation, QMessageBox::Yes | QMessageBox::No)
+    if (ui::message(this,
+            { QStringLiteral("Confermi l'uscita?"), QStringLiteral("Uscita dal programma"), ui::Icon::Exclamation },
+            QMessageBox::Yes | QMessageBox::No)
         != QMessageBox::Yes) {
         event->ignore();
         return;

@@ -50,7 +50,7 @@ bool Startup::regionalSettingsItalian(const QLocale &locale)
 bool Startup::fail(const QString &text, const QString &title)
 {
     restorePointer();
-    ui::message(nullptr, text, title, ui::Icon::Critical);
+    ui::message(nullptr, { text, title, ui::Icon::Critical });
     // Once the main window is up the program goes on; before, the failure ends it.
     return m_mainWindow && m_mainWindow->isVisible();
 }
@@ -87,8 +87,8 @@ bool Startup::Main()
         restorePointer();
         ui::beep();
         ui::message(nullptr,
-            QStringLiteral("L'applicazione richiede una risoluzione minima\ndello schermo di 800 x 600 pixel"),
-            QStringLiteral("Valorimetrico"), ui::Icon::Critical);
+            { QStringLiteral("L'applicazione richiede una risoluzione minima\ndello schermo di 800 x 600 pixel"),
+                QStringLiteral("Valorimetrico"), ui::Icon::Critical });
         return false;
     }
 
@@ -100,8 +100,8 @@ bool Startup::Main()
         restorePointer();
         ui::beep();
         ui::message(nullptr,
-            QStringLiteral("Importante!, l'archivio di Quotaflusso non è stato trovato, non posso proseguire."), {},
-            ui::Icon::Critical);
+            { QStringLiteral("Importante!, l'archivio di Quotaflusso non è stato trovato, non posso proseguire."), {},
+                ui::Icon::Critical });
         return false;
     }
 
@@ -123,7 +123,7 @@ bool Startup::Main()
     if (readOnly) {
         restorePointer();
         ui::message(
-            nullptr, QString::fromUtf8(kReadOnlyMessage), QString::fromLatin1(kProgramName), ui::Icon::Exclamation);
+            nullptr, { QString::fromUtf8(kReadOnlyMessage), QString::fromLatin1(kProgramName), ui::Icon::Exclamation });
         QApplication::setOverrideCursor(Qt::WaitCursor);
     } else {
         // Under the database's lock: what an interrupted run left is no other copy's work in progress.
@@ -131,8 +131,8 @@ bool Startup::Main()
         const store::StoreError copy = store::backup::daily(m_database);
         if (copy.failed()) {
             restorePointer();
-            ui::message(nullptr, errorText(copy.number, copy.message), QString::fromLatin1(kProgramName),
-                ui::Icon::Exclamation);
+            ui::message(nullptr,
+                { errorText(copy.number, copy.message), QString::fromLatin1(kProgramName), ui::Icon::Exclamation });
             QApplication::setOverrideCursor(Qt::WaitCursor);
         }
     }
@@ -161,9 +161,9 @@ bool Startup::Main()
         restorePointer();
         ui::beep();
         ui::message(m_mainWindow.get(),
-            QStringLiteral("Le impostazioni Internazionali sono da impostare alla lingua italiana. "
-                           "Pannello di controllo"),
-            QStringLiteral("Verifica le impostazioni Internazionali"), ui::Icon::Critical);
+            { QStringLiteral("Le impostazioni Internazionali sono da impostare alla lingua italiana. "
+                             "Pannello di controllo"),
+                QStringLiteral("Verifica le impostazioni Internazionali"), ui::Icon::Critical });
     }
 
     // 9. Pointer.

@@ -37,7 +37,7 @@ int main(int argc, char *argv[])
     QString error;
     const std::optional<vm::ProgramFolder> folder = vm::ProgramFolder::fromArguments(args, error);
     if (!folder || !folder->prepare(vm::store::Database::createIfMissing, error)) {
-        vm::ui::message(nullptr, error, {}, vm::ui::Icon::Critical);
+        vm::ui::message(nullptr, { error, {}, vm::ui::Icon::Critical });
         return 2;
     }
 

@@ -134,26 +134,26 @@ bool stessaCartella(const QString &a, const QString &b)
     return normalizzaCartella(a).toUpper() == normalizzaCartella(b).toUpper();
 }
 
-Avviso TestMS(const QString &cartella)
+Message TestMS(const QString &cartella)
 {
     const QString titolo = QStringLiteral("Test cartelle dati metastock");
     if (cartella.trimmed().isEmpty() || !QFileInfo(cartella).isDir())
         return { riga({ QStringLiteral("Cartella"), cartella, QStringLiteral("metastock non trovata") }), titolo,
-            Avviso::Icona::Esclamazione };
+            MessageIcon::Exclamation };
     const auto letta = metastock::CartellaMS::leggi(cartella);
     if (!letta.haMaster())
         return { riga({ QStringLiteral("La cartella"), cartella, QStringLiteral("non contiene files metastock") }),
-            titolo, Avviso::Icona::Informazione };
+            titolo, MessageIcon::Information };
     if (!QFileInfo(letta.percorsoMaster).permission(QFileDevice::WriteOwner))
         return { riga({ QStringLiteral("ATTENZIONE! Altre applicazioni utilizzano i dati metastock sulla cartella"),
                      cartella }),
-            titolo, Avviso::Icona::Esclamazione, true };
+            titolo, MessageIcon::Exclamation, true };
     if (letta.marchio == metastock::kMarchioQuotaflusso)
         return { riga({ QStringLiteral("Cartella"), cartella, QStringLiteral("pronta") }), titolo,
-            Avviso::Icona::Informazione };
+            MessageIcon::Information };
     return { riga({ QStringLiteral("I dati metastock sulla cartella"), cartella,
                  QStringLiteral("non sono inseriti con Quotaflusso") }),
-        QStringLiteral("Dati non visibili da Valorimetrico"), Avviso::Icona::Esclamazione };
+        QStringLiteral("Dati non visibili da Valorimetrico"), MessageIcon::Exclamation };
 }
 
 EsitoAggiunta aggiungiCartella(QStringList &elenco, const QString &cartella)
@@ -162,12 +162,12 @@ EsitoAggiunta aggiungiCartella(QStringList &elenco, const QString &cartella)
     const QString mostrata = QDir::toNativeSeparators(QDir::cleanPath(cartella.trimmed()));
     if (cartella.trimmed().isEmpty() || !metastock::CartellaMS::leggi(cartella.trimmed()).haMaster()) {
         esito.avviso = { QStringLiteral("La directory ") + mostrata + QStringLiteral(" non contiene files MetaStock."),
-            {}, Avviso::Icona::Esclamazione };
+            {}, MessageIcon::Exclamation };
         return esito;
     }
     for (const QString &presente : std::as_const(elenco)) {
         if (stessaCartella(presente, cartella)) {
-            esito.avviso = { QString::fromUtf8(kDirectoryGiaInserita), {}, Avviso::Icona::Esclamazione };
+            esito.avviso = { QString::fromUtf8(kDirectoryGiaInserita), {}, MessageIcon::Exclamation };
             return esito;
         }
     }
@@ -325,7 +325,7 @@ EsitoRimozione rimuoviTitolo(store::Database &db, const TitoloDoppio &titolo)
     metastock::ArchivioMS archivio({ titolo.cartella });
     const metastock::EsitoEliminazione e = archivio.EliminaTitolo(titolo.simbolo);
     if (e.stato != metastock::EsitoEliminazione::Stato::Rimosso) {
-        esito.avvisi << Avviso { e.messaggio(titolo.simbolo), {}, Avviso::Icona::Esclamazione };
+        esito.avvisi << Message { e.messaggio(titolo.simbolo), {}, MessageIcon::Exclamation };
         return esito;
     }
     esito.rimosso = true;
@@ -337,10 +337,10 @@ EsitoRimozione rimuoviTitolo(store::Database &db, const TitoloDoppio &titolo)
         + QStringLiteral(" lasciato nella cartella");
     esito.registrato = db.appendArchiveLog(esito.riga);
     if (!esito.registrato)
-        esito.avvisi << Avviso { QStringLiteral("Il titolo è stato rimosso dall'archivio, ma la rimozione non è stata "
-                                                "registrata nel registro degli archivi:\n")
+        esito.avvisi << Message { QStringLiteral("Il titolo è stato rimosso dall'archivio, ma la rimozione non è stata "
+                                                 "registrata nel registro degli archivi:\n")
                 + db.lastError().message,
-            {}, Avviso::Icona::Esclamazione };
+            {}, MessageIcon::Exclamation };
     return esito;
 }
 

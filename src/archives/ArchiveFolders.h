@@ -4,6 +4,7 @@
 // is in, the titles and quotes of one, the titles that more than one folder holds, and the removal of
 // a title from its archive. Plain data in, rows and messages out; the window only shows them.
 
+#include "core/Message.h"
 #include "metastock/Master.h"
 #include "metastock/Prezzi.h"
 #include "store/Records.h"
@@ -19,15 +20,6 @@ class Database;
 }
 
 namespace vm::archives {
-
-// One message box the window shows: text, title (empty: the program's name) and icon kind.
-struct Avviso {
-    enum class Icona { Nessuna, Informazione, Esclamazione, Critica };
-    QString testo;
-    QString titolo;
-    Icona icona = Icona::Nessuna;
-    bool beep = false; // a beep comes before the box
-};
 
 // --- drives ---
 // On Linux the "drive" of a folder is the mounted file system that holds it. Folders under the usual
@@ -54,14 +46,14 @@ bool stessaCartella(const QString &a, const QString &b);
 
 // The folder test ("TestMS"): the first outcome that applies, as a box titled "Test cartelle dati
 // metastock" (or "Dati non visibili da Valorimetrico" for an archive not kept by the companion program).
-Avviso TestMS(const QString &cartella);
+Message TestMS(const QString &cartella);
 
 // Adding a folder ("Command1"): refused without a directory file or when the list holds it already;
 // otherwise the normalised folder is appended and the folder test's box follows.
 struct EsitoAggiunta {
     bool aggiunta = false;
     QString cartella; // as appended
-    Avviso avviso;
+    Message avviso;
 };
 EsitoAggiunta aggiungiCartella(QStringList &elenco, const QString &cartella);
 inline constexpr auto kDirectoryGiaInserita = "Directory già inserita";
@@ -129,7 +121,7 @@ QString notaDoppi();
 struct EsitoRimozione {
     bool rimosso = false;
     bool registrato = false; // the log row was written
-    QList<Avviso> avvisi;
+    QList<Message> avvisi;
     store::LogArchivioRow riga;
 };
 EsitoRimozione rimuoviTitolo(store::Database &db, const TitoloDoppio &titolo);

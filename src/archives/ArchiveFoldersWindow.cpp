@@ -26,21 +26,6 @@ namespace vm::archives {
 
 namespace {
 
-ui::Icon icon(Avviso::Icona i)
-{
-    switch (i) {
-    case Avviso::Icona::Informazione:
-        return ui::Icon::Information;
-    case Avviso::Icona::Esclamazione:
-        return ui::Icon::Exclamation;
-    case Avviso::Icona::Critica:
-        return ui::Icon::Critical;
-    case Avviso::Icona::Nessuna:
-        break;
-    }
-    return ui::Icon::None;
-}
-
 // A list view of the given columns (caption, width in twips, right-aligned).
 QTreeWidget *listView(const QString &name, const QList<std::tuple<const char *, int, bool>> &columns, QWidget *parent)
 {
@@ -230,13 +215,10 @@ ArchiveFoldersWindow::ArchiveFoldersWindow(const WindowContext &context)
     connect(removeTitle, &QPushButton::clicked, this, &ArchiveFoldersWindow::removeDuplicate);
 }
 
-void ArchiveFoldersWindow::show(const Avviso &avviso)
+void ArchiveFoldersWindow::show(const Message &avviso)
 {
-    if (avviso.testo.isEmpty())
-        return;
-    if (avviso.beep)
-        ui::beep();
-    ui::message(this, avviso.testo, avviso.titolo, icon(avviso.icona));
+    if (!avviso.text.isEmpty())
+        ui::message(this, avviso);
 }
 
 QTreeWidgetItem *ArchiveFoldersWindow::addFolderLine(const QString &path)
@@ -249,8 +231,9 @@ void ArchiveFoldersWindow::load()
 {
     const std::optional<QStringList> stored = m_context.db.folders();
     if (!stored) {
-        ui::message(this, store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()), {},
-            ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()), {},
+                ui::Icon::Critical });
         // A list that could not be read must not be saved over the stored one as if it were empty.
         findChild<QPushButton *>(QStringLiteral("Command3"))->setEnabled(false);
     }
@@ -289,7 +272,7 @@ void ArchiveFoldersWindow::driveChosen(int index)
     const QString drive = m_drive1->itemData(index).toString();
     if (statoDisco(drive, m_drivesMounted) != StatoDisco::Pronto) {
         ui::beep();
-        ui::message(this, messaggioDiscoMancante(drive), {}, ui::Icon::Exclamation);
+        ui::message(this, { messaggioDiscoMancante(drive), {}, ui::Icon::Exclamation });
         return;
     }
     setDir1Path(drive);
@@ -334,7 +317,7 @@ void ArchiveFoldersWindow::checkFolders(bool announce)
             missingDrives << s.disco;
             if (announce) {
                 ui::beep();
-                ui::message(this, messaggioDiscoMancante(s.disco), {}, ui::Icon::Exclamation);
+                ui::message(this, { messaggioDiscoMancante(s.disco), {}, ui::Icon::Exclamation });
             }
         }
     }
@@ -372,10 +355,10 @@ void ArchiveFoldersWindow::addFound(const QStringList &found)
         refreshDuplicates();
     }
     ui::message(this,
-        added > 0
-            ? QStringLiteral("Cartelle aggiunte all'elenco: %1.\nL'elenco diventa effettivo con \"Salva\".").arg(added)
-            : QStringLiteral("Nessuna cartella aggiunta: quelle scelte sono già nell'elenco."),
-        {}, ui::Icon::Information);
+        { added > 0 ? QStringLiteral("Cartelle aggiunte all'elenco: %1.\nL'elenco diventa effettivo con \"Salva\".")
+                          .arg(added)
+                    : QStringLiteral("Nessuna cartella aggiunta: quelle scelte sono già nell'elenco."),
+            {}, ui::Icon::Information });
 }
 
 void ArchiveFoldersWindow::removeFolders(bool deleteKey)
@@ -386,7 +369,7 @@ void ArchiveFoldersWindow::removeFolders(bool deleteKey)
     QStringList paths;
     for (QTreeWidgetItem *item : selected)
         paths << item->text(0);
-    if (ui::message(this, domandaRimozione(paths, deleteKey), titoloDomandaRimozione(deleteKey), ui::Icon::Question,
+    if (ui::message(this, { domandaRimozione(paths, deleteKey), titoloDomandaRimozione(deleteKey), ui::Icon::Question },
             QMessageBox::Yes | QMessageBox::No)
         != QMessageBox::Yes)
         return;
@@ -418,9 +401,9 @@ void ArchiveFoldersWindow::save()
         paths << normalizzaCartella(p);
     if (!m_context.db.replaceFolders(paths)) {
         ui::message(this,
-            QStringLiteral("Impossibile salvare l'elenco delle cartelle MetaStock:\n")
-                + m_context.db.lastError().message,
-            {}, ui::Icon::Critical);
+            { QStringLiteral("Impossibile salvare l'elenco delle cartelle MetaStock:\n")
+                    + m_context.db.lastError().message,
+                {}, ui::Icon::Critical });
         return;
     }
     Q_EMIT m_context.events.foldersChanged();
@@ -448,7 +431,7 @@ void ArchiveFoldersWindow::folderSelected()
     if (!listing.haMaster)
         m_context.shell.setStatusText(QString::fromLatin1(kCartelleNonTrovate));
     else if (!listing.compatibile && m_listView4->property("tag").toString().isEmpty()) {
-        ui::message(this, messaggioNonCompatibile(path), {}, ui::Icon::Exclamation);
+        ui::message(this, { messaggioNonCompatibile(path), {}, ui::Icon::Exclamation });
         m_listView4->setProperty("tag", QStringLiteral("X"));
     }
     m_titles = listing.titoli;
@@ -482,8 +465,8 @@ void ArchiveFoldersWindow::titleSelected(QTreeWidgetItem *item)
     const auto rows = TrovaFileF(title, &error);
     if (!rows) {
         ui::message(this,
-            QStringLiteral("Impossibile leggere le quotazioni di ") + title.nome + QStringLiteral(":\n") + error, {},
-            ui::Icon::Exclamation);
+            { QStringLiteral("Impossibile leggere le quotazioni di ") + title.nome + QStringLiteral(":\n") + error, {},
+                ui::Icon::Exclamation });
         return;
     }
     QList<QTreeWidgetItem *> lines;
@@ -514,20 +497,21 @@ void ArchiveFoldersWindow::removeDuplicate()
 {
     const int row = m_listView3->indexOfTopLevelItem(m_listView3->currentItem());
     if (row < 0 || row >= m_duplicates.size()) {
-        ui::message(this, QStringLiteral("Nessun titolo è stato selezionato."), QStringLiteral("Rimuovi"),
-            ui::Icon::Information);
+        ui::message(this,
+            { QStringLiteral("Nessun titolo è stato selezionato."), QStringLiteral("Rimuovi"), ui::Icon::Information });
         return;
     }
     const TitoloDoppio title = m_duplicates[row];
     if (ui::message(this,
-            QStringLiteral("Confermi la rimozione del titolo ") + title.nome + QStringLiteral(" [") + title.simbolo
-                + QStringLiteral("] dall'archivio\n") + title.cartella
-                + QStringLiteral(" ?\nIl file dei prezzi resta nella cartella."),
-            QStringLiteral("Rimuovi"), ui::Icon::Question, QMessageBox::Yes | QMessageBox::No)
+            { QStringLiteral("Confermi la rimozione del titolo ") + title.nome + QStringLiteral(" [") + title.simbolo
+                    + QStringLiteral("] dall'archivio\n") + title.cartella
+                    + QStringLiteral(" ?\nIl file dei prezzi resta nella cartella."),
+                QStringLiteral("Rimuovi"), ui::Icon::Question },
+            QMessageBox::Yes | QMessageBox::No)
         != QMessageBox::Yes)
         return;
     const EsitoRimozione outcome = rimuoviTitolo(m_context.db, title);
-    for (const Avviso &a : outcome.avvisi)
+    for (const Message &a : outcome.avvisi)
         show(a);
     if (!outcome.rimosso)
         return;

@@ -55,7 +55,7 @@ private:
     void removeDuplicate(); // Command4
     void refreshDuplicates();
     void checkFolders(bool announce); // CHECKcartelleMS
-    void show(const Avviso &avviso);
+    void show(const Message &avviso);
     QTreeWidgetItem *addFolderLine(const QString &path);
 
     WindowContext m_context;

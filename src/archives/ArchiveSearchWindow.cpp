@@ -155,8 +155,9 @@ void ArchiveSearchWindow::run()
         return;
     const QString start = startFolder();
     if (start.isEmpty() || !QFileInfo(start).isDir()) {
-        ui::message(this, QStringLiteral("La cartella ") + start + QStringLiteral(" non è disponibile."),
-            QString::fromLatin1(kTitle), ui::Icon::Exclamation);
+        ui::message(this,
+            { QStringLiteral("La cartella ") + start + QStringLiteral(" non è disponibile."),
+                QString::fromLatin1(kTitle), ui::Icon::Exclamation });
         return;
     }
     m_searching = true;
@@ -195,7 +196,7 @@ void ArchiveSearchWindow::run()
         + (m_search.cartelleIlleggibili() > 0
                 ? QStringLiteral(" (cartelle non leggibili, saltate: %1)").arg(m_search.cartelleIlleggibili())
                 : QString()));
-    ui::message(this, QString::fromLatin1(kFineRicerca), QString::fromLatin1(kTitle), ui::Icon::Information);
+    ui::message(this, { QString::fromLatin1(kFineRicerca), QString::fromLatin1(kTitle), ui::Icon::Information });
 }
 
 void ArchiveSearchWindow::addChosen()
@@ -206,8 +207,8 @@ void ArchiveSearchWindow::addChosen()
             chosen << m_list1->item(i)->data(Qt::UserRole).toString();
     }
     if (chosen.isEmpty()) {
-        ui::message(this, QStringLiteral("Nessuna cartella è stata scelta."), QString::fromLatin1(kTitle),
-            ui::Icon::Information);
+        ui::message(this,
+            { QStringLiteral("Nessuna cartella è stata scelta."), QString::fromLatin1(kTitle), ui::Icon::Information });
         return;
     }
     Q_EMIT foldersChosen(chosen);

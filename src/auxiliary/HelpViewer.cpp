@@ -174,7 +174,7 @@ void HelpViewerWindow::openLink(const QUrl &url)
     }
     // Addresses of the maker's site and mail go to the desktop.
     if (!ui::openDocument(url.toString()))
-        ui::message(this, ui::noOpenerText(), {}, ui::Icon::Exclamation);
+        ui::message(this, { ui::noOpenerText(), {}, ui::Icon::Exclamation });
 }
 
 QUrl HelpViewerWindow::currentTopic() const
@@ -260,7 +260,7 @@ HelpViewerWindow *HtmlHelp::viewer()
 {
     const QString file = fileSenzaArgomento(m_helpFile);
     if (file.isEmpty() || !QFileInfo(file).isFile()) {
-        ui::message(m_owner, missingText(), missingTitle(), ui::Icon::Exclamation);
+        ui::message(m_owner, { missingText(), missingTitle(), ui::Icon::Exclamation });
         return nullptr;
     }
     return HelpViewerWindow::open(file, m_owner);
@@ -367,7 +367,7 @@ void showHelp(QWidget *owner, const ProgramState &state, const QString &windowNa
     }
     HtmlHelp help(owner, fileProgramma(QString::fromLatin1(kFileGuida), state));
     if (help.HelpFile().isEmpty()) {
-        ui::message(owner, HtmlHelp::missingText(), HtmlHelp::missingTitle(), ui::Icon::Exclamation);
+        ui::message(owner, { HtmlHelp::missingText(), HtmlHelp::missingTitle(), ui::Icon::Exclamation });
         return;
     }
     if (windowName.isEmpty())

@@ -99,8 +99,9 @@ void ToolsWindow::browse()
         store(path);
         return;
     }
-    ui::message(this, QStringLiteral("Il programma Quotaflusso non è stato selezionato."),
-        QStringLiteral("Avvio programma Quotaflusso"), ui::Icon::Information);
+    ui::message(this,
+        { QStringLiteral("Il programma Quotaflusso non è stato selezionato."),
+            QStringLiteral("Avvio programma Quotaflusso"), ui::Icon::Information });
     m_text1->setFocus();
     m_text1->selectAll();
 }

@@ -195,11 +195,11 @@ int cmdDossier(const QStringList &arguments, cli::Io &io)
 
     // The same message for every title that meets a missing folder: said once is enough here.
     QStringList detti;
-    for (const Avviso &a : v.avvisi) {
-        if (detti.contains(a.testo))
+    for (const Message &a : v.avvisi) {
+        if (detti.contains(a.text))
             continue;
-        detti.append(a.testo);
-        io.err << a.titolo << ": " << QString(a.testo).trimmed() << "\n";
+        detti.append(a.text);
+        io.err << a.title << ": " << QString(a.text).trimmed() << "\n";
     }
     io.out << (csv ? csvDossier(v.righe) : tabellaDossier(v));
     // The printed page shows what was valued, whether or not the day's total may be recorded; a page that

@@ -200,8 +200,8 @@ int cmdListino(const QStringList &arguments, cli::Io &io)
         }
         listino = CercaTitoli(*cartelle, *simboli, oggi);
     }
-    for (const AvvisoListino &a : listino.avvisi)
-        io.err << a.testo << "\n";
+    for (const Message &a : listino.avvisi)
+        io.err << a.text << "\n";
     for (const QString &s : listino.nonTrovati)
         io.err << "Titolo non trovato negli archivi: " << s.trimmed() << "\n";
     for (const RigaListino &r : listino.righe) {

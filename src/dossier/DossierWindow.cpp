@@ -35,30 +35,6 @@ namespace vm::dossier {
 
 namespace {
 
-ui::Icon icona(Avviso::Icona i)
-{
-    switch (i) {
-    case Avviso::Icona::Critica:
-        return ui::Icon::Critical;
-    case Avviso::Icona::Informazione:
-        return ui::Icon::Information;
-    case Avviso::Icona::Esclamazione:
-        return ui::Icon::Exclamation;
-    case Avviso::Icona::Domanda:
-        return ui::Icon::Question;
-    case Avviso::Icona::Nessuna:
-        break;
-    }
-    return ui::Icon::None;
-}
-
-void mostraAvviso(QWidget *parent, const Avviso &a)
-{
-    if (a.segnaleAcustico)
-        ui::beep();
-    ui::message(parent, a.testo, a.titolo, icona(a.icona));
-}
-
 QTreeWidget *listaReport(QWidget *parent, const QString &nome, const auto &colonne)
 {
     auto *lista = new QTreeWidget(parent);
@@ -343,14 +319,14 @@ void DossierWindow::zero(bool grafico)
         m_grafico->pulisci();
 }
 
-void DossierWindow::mostra(const Avviso &avviso)
+void DossierWindow::mostra(const Message &avviso)
 {
-    mostraAvviso(this, avviso);
+    ui::message(this, avviso);
 }
 
-void DossierWindow::mostraAvvisi(const QList<Avviso> &avvisi)
+void DossierWindow::mostraAvvisi(const QList<Message> &avvisi)
 {
-    for (const Avviso &a : avvisi)
+    for (const Message &a : avvisi)
         mostra(a);
 }
 
@@ -369,14 +345,14 @@ void DossierWindow::PreparaDati()
     store::Database &db = m_context.db;
     const std::optional<QStringList> cartelle = db.folders();
     if (!cartelle) {
-        ui::message(
-            this, store::readFailure(QString::fromUtf8(store::kWhatFolders), db.lastError()), {}, ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatFolders), db.lastError()), {}, ui::Icon::Critical });
         return;
     }
     const std::optional<QList<store::DossierRow>> titoli = db.dossierRows();
     if (!titoli) {
-        ui::message(
-            this, store::readFailure(QString::fromUtf8(store::kWhatDossier), db.lastError()), {}, ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatDossier), db.lastError()), {}, ui::Icon::Critical });
         return;
     }
     // The bar appears once the work has taken a moment and is redrawn a few times a second: a dossier
@@ -514,7 +490,7 @@ void DossierWindow::Storico()
         return;
     // One pass: the list and the main window's selector keep each title once.
     if (dossier::Storico(m_context.db, m_valutazione.totali, QDate::currentDate()) == EsitoStorico::Errore)
-        ui::message(this, m_context.db.lastError().message, {}, ui::Icon::Critical);
+        ui::message(this, { m_context.db.lastError().message, {}, ui::Icon::Critical });
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -589,8 +565,9 @@ void DossierWindow::ModificaNomeTitolo()
         return;
     const std::optional<store::DossierRow> titolo = m_context.db.findTitleBySymbol(simbolo);
     if (!titolo && m_context.db.lastError().failed()) {
-        ui::message(this, store::readFailure(QString::fromUtf8(store::kWhatDossier), m_context.db.lastError()), {},
-            ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatDossier), m_context.db.lastError()), {},
+                ui::Icon::Critical });
         return;
     }
     RenameTitleWindow::open(m_context, titolo, simbolo);
@@ -604,8 +581,9 @@ void DossierWindow::EliminaTitolo()
         return;
     }
     const RigaDossier &r = m_valutazione.righe[riga];
-    if (ui::message(this, testoConfermaRimozione(r.descrizione), QString::fromLatin1(kTitoloRimozioneTitolo),
-            ui::Icon::Critical, QMessageBox::Yes | QMessageBox::No)
+    if (ui::message(this,
+            { testoConfermaRimozione(r.descrizione), QString::fromLatin1(kTitoloRimozioneTitolo), ui::Icon::Critical },
+            QMessageBox::Yes | QMessageBox::No)
         != QMessageBox::Yes)
         return;
     if (const auto errore = rimuoviTitolo(m_context.db, r.idTitolo)) {
@@ -666,8 +644,9 @@ void DossierWindow::CaricaStorico()
         if (record)
             m_storico = dossier::CaricaStorico(*record);
         else
-            ui::message(this, store::readFailure(QStringLiteral("lo storico del dossier"), m_context.db.lastError()),
-                {}, ui::Icon::Critical);
+            ui::message(this,
+                { store::readFailure(QStringLiteral("lo storico del dossier"), m_context.db.lastError()), {},
+                    ui::Icon::Critical });
     }
     QList<QTreeWidgetItem *> elementi;
     for (const RigaStorico &r : m_storico) {
@@ -701,12 +680,14 @@ void DossierWindow::eliminaValore(QTreeWidgetItem *item)
     if (!item || m_listaStorico->topLevelItemCount() == 0)
         return;
     ui::beep();
-    if (ui::message(this, QString::fromUtf8(kTestoRimozioneValore), QString::fromLatin1(kTitoloRimozioneValore),
-            ui::Icon::Critical, QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
+    if (ui::message(this,
+            { QString::fromUtf8(kTestoRimozioneValore), QString::fromLatin1(kTitoloRimozioneValore),
+                ui::Icon::Critical },
+            QMessageBox::Yes | QMessageBox::No, QMessageBox::No)
         != QMessageBox::Yes)
         return;
     if (!m_context.db.deleteStorico(item->text(StId).toLongLong()))
-        ui::message(this, m_context.db.lastError().message, {}, ui::Icon::Critical);
+        ui::message(this, { m_context.db.lastError().message, {}, ui::Icon::Critical });
     CaricaStorico();
     GraficoStoricoList();
 }

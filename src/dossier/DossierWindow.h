@@ -77,7 +77,7 @@ private:
     void PreparaGrafico();
     void disegnaTitoli();
     void zero(bool grafico = true);
-    void mostraAvvisi(const QList<Avviso> &avvisi);
+    void mostraAvvisi(const QList<Message> &avvisi);
     void rigaCliccata(QTreeWidgetItem *item);
     void rigaDoppioClic(QTreeWidgetItem *item);
     void selezionaInCombo(int riga);
@@ -88,7 +88,7 @@ private:
     void menuStorico(const QPoint &pos);
     void titoloScelto(int indice); // Combo2 of the main window, chosen by the user
     void mostraComandi(); // the overview's keys of the dossier toolbar shown and enabled
-    void mostra(const Avviso &avviso);
+    void mostra(const Message &avviso);
 
     WindowContext m_context;
     QStringList m_titoliSelettore; // what Combo2 of the main window was last filled with

@@ -19,13 +19,15 @@ void apriPanoramica(const WindowContext &context)
     const std::optional<qint64> titoli = context.db.countTitles();
     if (!titoli) {
         ui::message(context.shell.window(),
-            store::readFailure(QString::fromUtf8(store::kWhatDossier), context.db.lastError()), {}, ui::Icon::Critical);
+            { store::readFailure(QString::fromUtf8(store::kWhatDossier), context.db.lastError()), {},
+                ui::Icon::Critical });
         return;
     }
     if (*titoli == 0
         && ui::message(context.shell.window(),
-               QStringLiteral("Il dossier non contiene titoli, voui inserire un nuovo titolo?"),
-               QStringLiteral("Nessun titolo in dossier"), ui::Icon::Exclamation, QMessageBox::Yes | QMessageBox::No)
+               { QStringLiteral("Il dossier non contiene titoli, voui inserire un nuovo titolo?"),
+                   QStringLiteral("Nessun titolo in dossier"), ui::Icon::Exclamation },
+               QMessageBox::Yes | QMessageBox::No)
             == QMessageBox::Yes) {
         Q_EMIT context.events.newTitleRequested();
         return;
@@ -74,8 +76,7 @@ void registerWindows(const WindowContext &context)
     shell.setCommand(Command::RenameTitle, [context] {
         DossierWindow *f = DossierWindow::instance();
         if (!f || f->rigaSelezionata() < 0) {
-            const Avviso a = avvisoNessunaSelezione();
-            ui::message(context.shell.window(), a.testo, a.titolo, ui::Icon::Information);
+            ui::message(context.shell.window(), avvisoNessunaSelezione());
             return;
         }
         f->ModificaNomeTitolo();
@@ -83,8 +84,7 @@ void registerWindows(const WindowContext &context)
     shell.setCommand(Command::RemoveTitle, [context] {
         DossierWindow *f = DossierWindow::instance();
         if (!f) {
-            const Avviso a = avvisoNessunaSelezione(QString::fromLatin1(kTitoloRimozioneTitolo));
-            ui::message(context.shell.window(), a.testo, a.titolo, ui::Icon::Information);
+            ui::message(context.shell.window(), avvisoNessunaSelezione(QString::fromLatin1(kTitoloRimozioneTitolo)));
             return;
         }
         f->EliminaTitolo();

@@ -187,18 +187,18 @@ DatiDiagramma graficoRiga(const RigaDossier &riga)
     return d;
 }
 
-std::optional<Avviso> avvisoSelezioneTitolo(const RigaDossier &riga)
+std::optional<Message> avvisoSelezioneTitolo(const RigaDossier &riga)
 {
     if (riga.testoData != QLatin1String(kDataSenzaQuote))
         return std::nullopt;
-    return Avviso { QString::fromLatin1(kProgramName),
-        QStringLiteral("Il titolo ") + riga.descrizione + QStringLiteral(" non aggiornato con Quotaflusso."),
-        Avviso::Icona::Informazione, false };
+    return Message { QStringLiteral("Il titolo ") + riga.descrizione
+            + QStringLiteral(" non aggiornato con Quotaflusso."),
+        QString::fromLatin1(kProgramName), MessageIcon::Information };
 }
 
-Avviso avvisoNessunaSelezione(const QString &titolo)
+Message avvisoNessunaSelezione(const QString &titolo)
 {
-    return { titolo, QStringLiteral("Nessun titolo è stato selezionato."), Avviso::Icona::Informazione, false };
+    return { QStringLiteral("Nessun titolo è stato selezionato."), titolo, MessageIcon::Information };
 }
 
 QString nomeVista(const char *coda)

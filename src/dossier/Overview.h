@@ -127,10 +127,10 @@ QString nomeVista(const char *coda); // " :: [Dossier Dettaglio]" -> "Dossier De
 
 // Combo2 of the main window: the message for a row without quotes; nothing when the title can be shown.
 inline constexpr auto kDataSenzaQuote = "00/00/00";
-std::optional<Avviso> avvisoSelezioneTitolo(const RigaDossier &riga);
+std::optional<Message> avvisoSelezioneTitolo(const RigaDossier &riga);
 
 // "Nessun titolo è stato selezionato." for a command that needs a row chosen (title "Cambia nome" for the
 // rename).
-Avviso avvisoNessunaSelezione(const QString &titolo = QStringLiteral("Cambia nome"));
+Message avvisoNessunaSelezione(const QString &titolo = QStringLiteral("Cambia nome"));
 
 } // namespace vm::dossier

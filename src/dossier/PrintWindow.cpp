@@ -54,8 +54,9 @@ PrintWindow::PrintWindow(const WindowContext &context)
         QPrinter printer(QPrinter::HighResolution);
         printer.setDocName(QStringLiteral("Situazione dossier titoli"));
         if (dialogoStampa(printer, this) && !stampa(printer))
-            ui::message(this, QStringLiteral("Impossibile stampare il dossier."), QStringLiteral("Stampa"),
-                ui::Icon::Exclamation);
+            ui::message(this,
+                { QStringLiteral("Impossibile stampare il dossier."), QStringLiteral("Stampa"),
+                    ui::Icon::Exclamation });
     });
     connect(bottone("Command2", "Salva &PDF...", "document-save-as"), &QPushButton::clicked, this, [this] {
         const QString file = sceltaFilePdf(this);
@@ -119,7 +120,7 @@ bool PrintWindow::esportaPdf(const QString &file)
     QString errore;
     if (scriviPdf(m_pagine, file, &errore))
         return true;
-    ui::message(this, errore, QStringLiteral("Stampa"), ui::Icon::Exclamation);
+    ui::message(this, { errore, QStringLiteral("Stampa"), ui::Icon::Exclamation });
     return false;
 }
 

@@ -15,9 +15,8 @@ SimboliArchivi CaricaMS(const QStringList &cartelle)
     for (const QString &percorso : cartelle) {
         const auto cartella = metastock::CartellaMS::leggi(percorso);
         if (cartella.stato == metastock::CartellaMS::Stato::CartellaMancante) {
-            s.avvisi.append({ QString::fromLatin1(kProgramName),
-                QStringLiteral("Cartella ") + percorso + QStringLiteral(" non trovata"), Avviso::Icona::Nessuna,
-                false });
+            s.avvisi.append({ QStringLiteral("Cartella ") + percorso + QStringLiteral(" non trovata"),
+                QString::fromLatin1(kProgramName), MessageIcon::None });
             continue;
         }
         for (const metastock::RecordMaster &t : cartella.titoli) {
@@ -30,26 +29,26 @@ SimboliArchivi CaricaMS(const QStringList &cartelle)
     return s;
 }
 
-std::optional<Avviso> verificaRinomina(
+std::optional<Message> verificaRinomina(
     const QList<store::DossierRow> &dossier, qint64 idTitolo, const QString &nuovoSimbolo)
 {
     const QString simbolo = nuovoSimbolo.trimmed();
     if (simbolo.isEmpty()) {
-        return Avviso { QString::fromLatin1(kTitoloAnagrafica), QString::fromUtf8(kTestoNessunSimbolo),
-            Avviso::Icona::Nessuna, false };
+        return Message { QString::fromUtf8(kTestoNessunSimbolo), QString::fromLatin1(kTitoloAnagrafica),
+            MessageIcon::None };
     }
     for (const store::DossierRow &r : dossier) {
         if (r.idTitolo != idTitolo && r.titolo.trimmed() == simbolo) {
-            return Avviso { QString::fromLatin1(kTitoloAnagrafica),
-                QStringLiteral("Il simbolo ") + simbolo + QStringLiteral(" appartiene già al titolo ") + r.descrizione
+            return Message { QStringLiteral("Il simbolo ") + simbolo + QStringLiteral(" appartiene già al titolo ")
+                    + r.descrizione
                     + QStringLiteral(" del dossier: scegliere un altro simbolo. Nessuna modifica è stata fatta."),
-                Avviso::Icona::Esclamazione, false };
+                QString::fromLatin1(kTitoloAnagrafica), MessageIcon::Exclamation };
         }
     }
     return std::nullopt;
 }
 
-std::optional<Avviso> rinominaTitolo(
+std::optional<Message> rinominaTitolo(
     store::Database &db, qint64 idTitolo, const QString &nuovoSimbolo, const QString &nuovoNome)
 {
     const QString simbolo = nuovoSimbolo.trimmed();
@@ -68,7 +67,7 @@ std::optional<Avviso> rinominaTitolo(
         testo = db.lastError().message + QStringLiteral("\nNessuna modifica è stata fatta.");
         break;
     }
-    return Avviso { QString::fromLatin1(kTitoloAnagrafica), testo, Avviso::Icona::Critica, false };
+    return Message { testo, QString::fromLatin1(kTitoloAnagrafica), MessageIcon::Critical };
 }
 
 QString testoConfermaRimozione(const QString &nome)
@@ -76,12 +75,12 @@ QString testoConfermaRimozione(const QString &nome)
     return QStringLiteral("Attenzione! Il titolo ") + nome + QStringLiteral(" sarà rimosso dal dosssier, confermi?");
 }
 
-std::optional<Avviso> rimuoviTitolo(store::Database &db, qint64 idTitolo)
+std::optional<Message> rimuoviTitolo(store::Database &db, qint64 idTitolo)
 {
     if (db.deleteTitle(idTitolo))
         return std::nullopt;
-    return Avviso { QString::fromLatin1(kTitoloRimozioneTitolo),
-        db.lastError().message + QStringLiteral("\nIl titolo non è stato rimosso."), Avviso::Icona::Critica, false };
+    return Message { db.lastError().message + QStringLiteral("\nIl titolo non è stato rimosso."),
+        QString::fromLatin1(kTitoloRimozioneTitolo), MessageIcon::Critical };
 }
 
 } // namespace vm::dossier

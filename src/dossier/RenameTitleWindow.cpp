@@ -93,12 +93,13 @@ void RenameTitleWindow::carica(const std::optional<store::DossierRow> &titolo, c
 {
     const std::optional<QStringList> cartelle = m_context.db.folders();
     if (!cartelle) {
-        ui::message(this, store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()), {},
-            ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()), {},
+                ui::Icon::Critical });
     }
     const SimboliArchivi s = CaricaMS(cartelle.value_or(QStringList()));
-    for (const Avviso &a : s.avvisi)
-        ui::message(this, a.testo, a.titolo);
+    for (const Message &a : s.avvisi)
+        ui::message(this, a);
     m_nuovoSimbolo->addItems(s.simboli);
     m_nuovoSimbolo->setCurrentIndex(-1);
     m_nuovoSimbolo->setEditText(QString());
@@ -116,26 +117,22 @@ void RenameTitleWindow::conferma()
     const QString simbolo = m_nuovoSimbolo->currentText();
     const std::optional<QList<store::DossierRow>> dossier = m_context.db.dossierRows();
     if (!dossier) {
-        ui::message(this, store::readFailure(QString::fromUtf8(store::kWhatDossier), m_context.db.lastError()), {},
-            ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatDossier), m_context.db.lastError()), {},
+                ui::Icon::Critical });
         return;
     }
-    const auto mostra = [this](const Avviso &a) {
-        ui::message(this, a.testo, a.titolo,
-            a.icona == Avviso::Icona::Critica            ? ui::Icon::Critical
-                : a.icona == Avviso::Icona::Esclamazione ? ui::Icon::Exclamation
-                                                         : ui::Icon::None);
-    };
     if (const auto rifiuto = verificaRinomina(*dossier, id, simbolo)) {
-        mostra(*rifiuto);
+        ui::message(this, *rifiuto);
         return;
     }
-    if (ui::message(this, QString::fromUtf8(kTestoConfermaRinomina), QString::fromLatin1(kTitoloAnagrafica),
-            ui::Icon::Critical, QMessageBox::Yes | QMessageBox::No)
+    if (ui::message(this,
+            { QString::fromUtf8(kTestoConfermaRinomina), QString::fromLatin1(kTitoloAnagrafica), ui::Icon::Critical },
+            QMessageBox::Yes | QMessageBox::No)
         != QMessageBox::Yes)
         return;
     if (const auto errore = rinominaTitolo(m_context.db, id, simbolo, m_nuovoNome->text())) {
-        mostra(*errore);
+        ui::message(this, *errore);
         return;
     }
     // The windows that show the title follow (the overview values the dossier again).

@@ -30,13 +30,13 @@ public:
         : m_archivio(cartelle)
     { }
 
-    RigaDossier TrovaTicker(const store::DossierRow &titolo, QList<Avviso> &avvisi);
+    RigaDossier TrovaTicker(const store::DossierRow &titolo, QList<Message> &avvisi);
 
 private:
     metastock::ArchivioMS m_archivio;
 };
 
-RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> &avvisi)
+RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Message> &avvisi)
 {
     RigaDossier riga;
     riga.idTitolo = titolo.idTitolo;
@@ -53,15 +53,15 @@ RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> 
     for (int i = 0; i < m_archivio.cartelle().size() && !trovato; ++i) {
         const CartellaMS &c = m_archivio.cartella(i);
         if (c.stato == CartellaMS::Stato::CartellaMancante) {
-            avvisi.append({ QString::fromUtf8(kTitoloCartellaMancante),
-                QStringLiteral("Errore su lettura ") + c.percorso, Avviso::Icona::Critica, false });
+            avvisi.append({ QStringLiteral("Errore su lettura ") + c.percorso,
+                QString::fromUtf8(kTitoloCartellaMancante), MessageIcon::Critical });
             break;
         }
         // A damaged directory is named, so that a title it no longer lists is not taken for one sold or renamed.
         if (c.danneggiata()) {
-            avvisi.append({ QString::fromUtf8(kTitoloCartellaMancante),
-                QStringLiteral("Archivio metastock danneggiato in ") + c.percorso + QStringLiteral(": ") + c.danno,
-                Avviso::Icona::Critica, false });
+            avvisi.append(
+                { QStringLiteral("Archivio metastock danneggiato in ") + c.percorso + QStringLiteral(": ") + c.danno,
+                    QString::fromUtf8(kTitoloCartellaMancante), MessageIcon::Critical });
         }
         trovato = c.trovaSimbolo(titolo.titolo);
         cartella = &c;
@@ -83,7 +83,7 @@ RigaDossier Archivi::TrovaTicker(const store::DossierRow &titolo, QList<Avviso> 
     riga.chiusura = chiusura.value_or(0.0f);
     riga.quotazioniIlleggibili = !chiusura;
     if (!errore.isEmpty())
-        avvisi.append({ QString::fromLatin1(kProgramName), errore, Avviso::Icona::Critica, false });
+        avvisi.append({ errore, QString::fromLatin1(kProgramName), MessageIcon::Critical });
 
     const double ultima = riga.chiusura;
     riga.attuale = ultima * qta;
@@ -126,8 +126,8 @@ Valutazione PreparaDati(
 {
     Valutazione v;
     if (cartelle.isEmpty()) {
-        v.avvisi.append({ QString::fromLatin1(kProgramName), QString::fromUtf8(kMessaggioNessunaCartella),
-            Avviso::Icona::Nessuna, false });
+        v.avvisi.append(
+            { QString::fromUtf8(kMessaggioNessunaCartella), QString::fromLatin1(kProgramName), MessageIcon::None });
         return v;
     }
     Archivi archivi(cartelle);
@@ -136,8 +136,8 @@ Valutazione PreparaDati(
         RigaDossier riga = archivi.TrovaTicker(titolo, v.avvisi);
         // A title whose price file failed was told about with the file's own fault: it is in the directory.
         if (riga.chiusura == 0.0f && !riga.quotazioniIlleggibili) {
-            v.avvisi.append({ QString::fromUtf8(kTitoloTitoloMancante),
-                messaggioTitoloMancante(titolo.titolo, riga.acquisto), Avviso::Icona::Critica, true });
+            v.avvisi.append({ messaggioTitoloMancante(titolo.titolo, riga.acquisto),
+                QString::fromUtf8(kTitoloTitoloMancante), MessageIcon::Critical, true });
         }
         v.righe.append(std::move(riga));
         if (avanzamento)

@@ -4,6 +4,7 @@
 // last close, with the texts the overview shows and the four totals. Plain logic: the overview window,
 // the history and the command-line report all show what PreparaDati returns.
 
+#include "core/Message.h"
 #include "core/Progress.h"
 #include "store/Records.h"
 
@@ -81,20 +82,11 @@ struct TotaliDossier {
     double valoreAttuale = 0;
 };
 
-// A message the caller shows, in the order the overview shows them.
-struct Avviso {
-    enum class Icona { Nessuna, Critica, Informazione, Esclamazione, Domanda };
-    QString titolo;
-    QString testo;
-    Icona icona = Icona::Nessuna;
-    bool segnaleAcustico = false;
-};
-
 struct Valutazione {
     bool eseguita = false; // false when no folder is configured: nothing was valued
     QList<RigaDossier> righe; // the dossier's storage order
     TotaliDossier totali;
-    QList<Avviso> avvisi;
+    QList<Message> avvisi; // in the order the overview shows them
 };
 
 // Called after each title with the titles done and their number, for the progress bar.

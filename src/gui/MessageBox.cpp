@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
 #include <QQueue>
@@ -67,9 +68,23 @@ QString takePath(const QString &title)
     return r.paths.isEmpty() ? QString() : r.paths.dequeue();
 }
 
-} // namespace
+// The control a message sends the focus to, looked up in the window that shows it.
+void moveFocus(QWidget *parent, const Message &m)
+{
+    if (!parent || m.focus.isEmpty())
+        return;
+    QWidget *top = parent->window();
+    QWidget *target = top->objectName() == m.focus ? top : top->findChild<QWidget *>(m.focus);
+    if (!target)
+        return;
+    target->setFocus(Qt::OtherFocusReason);
+    if (m.selectAll) {
+        if (auto *edit = qobject_cast<QLineEdit *>(target))
+            edit->selectAll();
+    }
+}
 
-Button message(
+Button showBox(
     QWidget *parent, const QString &text, const QString &title, Icon icon, Buttons buttons, Button defaultButton)
 {
     if (!buttons)
@@ -98,6 +113,17 @@ Button message(
     // Closing with Esc or the close box counts as the escape button Qt picked (No, Cancel or OK).
     const Button clicked = box.standardButton(box.clickedButton());
     return clicked == QMessageBox::NoButton ? firstButton(buttons) : clicked;
+}
+
+} // namespace
+
+Button message(QWidget *parent, const Message &m, Buttons buttons, Button defaultButton)
+{
+    if (m.beep)
+        beep();
+    const Button answer = showBox(parent, m.text, m.title, m.icon, buttons, defaultButton);
+    moveFocus(parent, m);
+    return answer;
 }
 
 void beep()

@@ -4,6 +4,8 @@
 // functions, so that tests can answer them in advance and read back what the user would have seen:
 // a test never blocks on a modal dialog and never launches a real program.
 
+#include "core/Message.h"
+
 #include <QList>
 #include <QMessageBox>
 #include <QString>
@@ -13,15 +15,16 @@ class QWidget;
 
 namespace vm::ui {
 
-enum class Icon { None, Information, Exclamation, Critical, Question };
+using Icon = MessageIcon;
 
 using Button = QMessageBox::StandardButton;
 using Buttons = QMessageBox::StandardButtons;
 
-// Shows one modal message box and returns the button chosen. An empty title gives the program's
-// name. Without a default button the first one (OK, Yes, ...) is the default, as the classic boxes do.
-Button message(QWidget *parent, const QString &text, const QString &title = {}, Icon icon = Icon::None,
-    Buttons buttons = QMessageBox::Ok, Button defaultButton = QMessageBox::NoButton);
+// Shows one modal message box and returns the button chosen: the beep first when the message asks for one, then
+// the box, then the focus on the control of parent's window that the message names. An empty title gives the
+// program's name. Without a default button the first one (OK, Yes, ...) is the default, as the classic boxes do.
+Button message(QWidget *parent, const Message &message, Buttons buttons = QMessageBox::Ok,
+    Button defaultButton = QMessageBox::NoButton);
 
 // The system's default sound.
 void beep();

@@ -31,23 +31,6 @@ constexpr int kFieldX = 136;
 constexpr int kFieldWidth = 150;
 constexpr int kRow = 30;
 
-ui::Icon icona(Icona i)
-{
-    switch (i) {
-    case Icona::Informazione:
-        return ui::Icon::Information;
-    case Icona::Avviso:
-        return ui::Icon::Exclamation;
-    case Icona::Critica:
-        return ui::Icon::Critical;
-    case Icona::Domanda:
-        return ui::Icon::Question;
-    case Icona::Nessuna:
-        break;
-    }
-    return ui::Icon::None;
-}
-
 QDateEdit *dateEdit(QWidget *parent, const QRect &geometry)
 {
     auto *d = new QDateEdit(parent);
@@ -64,17 +47,6 @@ QString utf8(const char *text)
 }
 
 } // namespace
-
-void mostra(QWidget *parent, const Messaggio &m, QWidget *campoQuantita, QWidget *campoPrezzo)
-{
-    ui::message(parent, m.testo, m.titolo, icona(m.icona));
-    QWidget *campo = m.fuoco == Campo::Quantita ? campoQuantita : m.fuoco == Campo::PrezzoNetto ? campoPrezzo : nullptr;
-    if (!campo)
-        return;
-    campo->setFocus();
-    if (auto *line = qobject_cast<QLineEdit *>(campo); line && m.selezionaTutto)
-        line->selectAll();
-}
 
 // ---------------------------------------------------------------------------------------------
 OperationForm::OperationForm(const WindowContext &context, Finestra finestra, const QString &caption)
@@ -166,7 +138,7 @@ void OperationForm::datePicked(const QDate &date)
         m_date->setDate(scelta.data);
     }
     if (scelta.messaggio)
-        mostra(this, *scelta.messaggio);
+        ui::message(this, *scelta.messaggio);
 }
 
 void OperationForm::showCentred()
@@ -291,7 +263,7 @@ void PurchaseWindow::titleChosen(int index)
     if (tenuto) {
         m_frame->setEnabled(false);
         m_frame->setTitle(QStringLiteral("Operazione"));
-        mostra(this, messaggioGiaInDossier(descrizione));
+        ui::message(this, messaggioGiaInDossier(descrizione));
         return;
     }
     m_frame->setEnabled(true);
@@ -319,15 +291,15 @@ void PurchaseWindow::confirm()
 {
     const int index = m_titles->currentIndex();
     const QString titolo = index >= 0 ? m_titles->currentText() : QString();
-    if (const std::optional<Messaggio> m = controllaOperazione(m_finestra, titolo, m_quantity->text(), m_net->text())) {
-        mostra(this, *m, m_quantity, m_net);
+    if (const std::optional<Message> m = controllaOperazione(m_finestra, titolo, m_quantity->text(), m_net->text())) {
+        ui::message(this, *m);
         return;
     }
     const EsitoRegistrazione esito = registraNuovoTitolo(m_context.db, m_elenco.simboli[index], titolo, m_date->date(),
         leggiImporto(m_quantity->text(), m_net->text()), QDate::currentDate());
     if (!esito.ok) {
         if (esito.messaggio)
-            mostra(this, *esito.messaggio);
+            ui::message(this, *esito.messaggio);
         return;
     }
     Q_EMIT m_context.events.dossierChanged();
@@ -367,8 +339,8 @@ void TradeWindow::fill(const TitoloAperto &titolo)
 void TradeWindow::confirm()
 {
     const QString nome = m_name->text();
-    if (const std::optional<Messaggio> m = controllaOperazione(m_finestra, nome, m_quantity->text(), m_net->text())) {
-        mostra(this, *m, m_quantity, m_net);
+    if (const std::optional<Message> m = controllaOperazione(m_finestra, nome, m_quantity->text(), m_net->text())) {
+        ui::message(this, *m);
         return;
     }
     const auto registra = m_finestra == Finestra::Vendita ? registraVendita : registraAcquisto;
@@ -377,7 +349,7 @@ void TradeWindow::confirm()
             leggiImporto(m_quantity->text(), m_net->text()), m_note->text(), QDate::currentDate());
     if (!esito.ok) {
         if (esito.messaggio)
-            mostra(this, *esito.messaggio, m_quantity, m_net);
+            ui::message(this, *esito.messaggio);
         return;
     }
     if (TitleSituationWindow *situazione = TitleSituationWindow::instance())
@@ -521,8 +493,8 @@ DividendWindow::DividendWindow(const WindowContext &context)
 void DividendWindow::save()
 {
     const auto esito = salvaDividendo(m_dividend->text(), m_date->date(), m_titolo.prezzoMedio, m_titolo.qta);
-    if (const auto *m = std::get_if<Messaggio>(&esito)) {
-        mostra(this, *m);
+    if (const auto *m = std::get_if<Message>(&esito)) {
+        ui::message(this, *m);
         m_dividend->setFocus();
         m_dividend->selectAll();
         return;
@@ -531,7 +503,7 @@ void DividendWindow::save()
     const EsitoRegistrazione r = registraDividendo(m_context.db, m_id->text().toLongLong(), e.dataStacco, e.dividendo);
     if (!r.ok) {
         if (r.messaggio)
-            mostra(this, *r.messaggio);
+            ui::message(this, *r.messaggio);
         return;
     }
     Q_EMIT saved(e);
@@ -620,7 +592,7 @@ void FeeSettingsWindow::save()
     s.bolli = m_fees[2]->text();
     s.capitalGain = m_capitalGain->text();
     if (!scriviSpese(m_context.settings.path(), s)) {
-        ui::message(this, QStringLiteral("Impossibile scrivere le impostazioni."), {}, ui::Icon::Critical);
+        ui::message(this, { QStringLiteral("Impossibile scrivere le impostazioni."), {}, ui::Icon::Critical });
         return;
     }
     close();

@@ -33,9 +33,6 @@ struct TitoloAperto {
     std::optional<double> ultimoPrezzo; // the last close, when an archive holds the title
 };
 
-// Shows a message of the rules and puts the focus where it says.
-void mostra(QWidget *parent, const Messaggio &m, QWidget *campoQuantita = nullptr, QWidget *campoPrezzo = nullptr);
-
 // The date, quantity, prices and total that the three operation windows share, with their rules.
 class OperationForm : public QWidget
 {

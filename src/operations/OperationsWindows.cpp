@@ -14,9 +14,9 @@ namespace vm::operations {
 void TitoloSelezionato(const WindowContext &context, const QString &simbolo)
 {
     if (!context.db.findTitleBySymbol(simbolo.trimmed())) {
-        Messaggio m = messaggioTitoloScomparso(Finestra::Acquisto);
-        m.titolo = QString::fromLatin1(kProgramName);
-        mostra(context.shell.window(), m);
+        Message m = messaggioTitoloScomparso(Finestra::Acquisto);
+        m.title = QString::fromLatin1(kProgramName);
+        ui::message(context.shell.window(), m);
         return;
     }
     TitleSituationWindow::open(context, simbolo);
@@ -36,7 +36,7 @@ void registerWindows(const WindowContext &context)
         const int indice = context.shell.currentTitle(TitleSelector::Dossier);
         const std::optional<QList<store::DossierRow>> righe = context.db.dossierRows();
         if (!righe || indice < 0 || indice >= righe->size()) {
-            ui::message(context.shell.window(), QStringLiteral("Dati non disponibili"), {}, ui::Icon::Information);
+            ui::message(context.shell.window(), { QStringLiteral("Dati non disponibili"), {}, ui::Icon::Information });
             return;
         }
         TitoloSelezionato(context, righe->at(indice).titolo);

@@ -21,9 +21,11 @@ QString testo(const char *utf8)
     return QString::fromUtf8(utf8);
 }
 
-Messaggio messaggio(Finestra finestra, const char *testoMessaggio, Campo fuoco, Icona icona = Icona::Informazione)
+Message messaggio(Finestra finestra, const char *testoMessaggio, const char *fuoco = nullptr,
+    MessageIcon icona = MessageIcon::Information)
 {
-    return { titoloMessaggi(finestra), testo(testoMessaggio), icona, fuoco, false };
+    return { testo(testoMessaggio), titoloMessaggi(finestra), icona, false,
+        fuoco ? QString::fromLatin1(fuoco) : QString() };
 }
 
 std::optional<qint64> quantitaLetta(QStringView testoQuantita)
@@ -52,25 +54,25 @@ QString titoloMessaggi(Finestra finestra)
     return QStringLiteral("Vendita");
 }
 
-std::optional<Messaggio> controllaOperazione(
+std::optional<Message> controllaOperazione(
     Finestra finestra, QStringView titolo, QStringView quantita, QStringView prezzoNetto)
 {
     if (finestra != Finestra::Vendita && titolo.trimmed().isEmpty())
-        return messaggio(finestra, "Selezionare il titolo", Campo::Nessuno);
+        return messaggio(finestra, "Selezionare il titolo", nullptr);
     if (quantita.trimmed().isEmpty())
-        return messaggio(finestra, "Inserire il numero di azioni.", Campo::Quantita);
+        return messaggio(finestra, "Inserire il numero di azioni.", kQuantityField);
     if (prezzoNetto.trimmed().isEmpty())
-        return messaggio(finestra, "Inserire il prezzo x azione.", Campo::PrezzoNetto);
+        return messaggio(finestra, "Inserire il prezzo x azione.", kNetPriceField);
     if (prezzoNetto.count(u',') >= 2 || !parseNumber(prezzoNetto))
-        return messaggio(finestra, "Verificare il prezzo.", Campo::PrezzoNetto);
+        return messaggio(finestra, "Verificare il prezzo.", kNetPriceField);
     if (quantita.isEmpty()) {
-        return messaggio(finestra, "Inserire la quantità di azioni.", Campo::Quantita,
-            finestra == Finestra::Vendita ? Icona::Nessuna : Icona::Informazione);
+        return messaggio(finestra, "Inserire la quantità di azioni.", kQuantityField,
+            finestra == Finestra::Vendita ? MessageIcon::None : MessageIcon::Information);
     }
     // Text that the keystroke filter never lets through (pasted, or beyond the 32-bit column).
     if (!quantitaLetta(quantita)) {
-        Messaggio m = messaggio(finestra, "Verificare la quantità.", Campo::Quantita);
-        m.selezionaTutto = true;
+        Message m = messaggio(finestra, "Verificare la quantità.", kQuantityField);
+        m.selectAll = true;
         return m;
     }
     return std::nullopt;
@@ -90,8 +92,8 @@ DataScelta dataOperazione(Finestra finestra, QDate scelta, QDate oggi)
         const char *testoData = finestra == Finestra::NuovoTitolo ? "La data selezionata non valida."
             : finestra == Finestra::Acquisto                      ? "La data selezionata è successiva all'attuale."
                                                                   : "Verificare la data";
-        esito.messaggio
-            = Messaggio { QStringLiteral("Verifica la data"), testo(testoData), Icona::Avviso, Campo::Data };
+        esito.messaggio = Message { testo(testoData), QStringLiteral("Verifica la data"), MessageIcon::Exclamation,
+            false, QString::fromLatin1(kDateField) };
         esito.data = oggi;
     }
     const int giorno = esito.data.dayOfWeek();
@@ -149,9 +151,9 @@ EsitoVendita vendi(const store::DossierRow &riga, const Importo &importo)
     EsitoVendita esito;
     esito.riga = riga;
     if (importo.quantita > riga.qta) {
-        Messaggio m { titoloMessaggi(Finestra::Vendita),
-            QStringLiteral("Verificare il numero di quote, risultano %1 disponibili.").arg(riga.qta), Icona::Avviso,
-            Campo::Quantita, true };
+        Message m { QStringLiteral("Verificare il numero di quote, risultano %1 disponibili.").arg(riga.qta),
+            titoloMessaggi(Finestra::Vendita), MessageIcon::Exclamation, false, QString::fromLatin1(kQuantityField),
+            true };
         esito.messaggio = m;
         return esito;
     }
@@ -165,17 +167,16 @@ EsitoVendita vendi(const store::DossierRow &riga, const Importo &importo)
     return esito;
 }
 
-Messaggio messaggioTitoloScomparso(Finestra finestra)
+Message messaggioTitoloScomparso(Finestra finestra)
 {
-    return messaggio(finestra, "Non trovato in archivio, forse è stato cambiato il nome..", Campo::Nessuno);
+    return messaggio(finestra, "Non trovato in archivio, forse è stato cambiato il nome..", nullptr);
 }
 
-Messaggio messaggioGiaInDossier(const QString &descrizione)
+Message messaggioGiaInDossier(const QString &descrizione)
 {
-    return { QString::fromLatin1(kProgramName),
-        QStringLiteral("Il titolo ") + descrizione + testo(" è già in dossier")
+    return { QStringLiteral("Il titolo ") + descrizione + testo(" è già in dossier")
             + QStringLiteral("\nper l'acquisto di altre quote, selezioare il titolo\nquindi fare click su Acquisto"),
-        Icona::Informazione, Campo::Nessuno, false };
+        QString::fromLatin1(kProgramName), MessageIcon::Information };
 }
 
 QString titoloCorniceAcquisto(const QString &descrizione)
@@ -192,15 +193,15 @@ QString numeroSemplice(double valore)
     return QString::number(valore, 'g', 15);
 }
 
-std::variant<EsitoDividendo, Messaggio> salvaDividendo(
+std::variant<EsitoDividendo, Message> salvaDividendo(
     QStringView testoDividendo, QDate data, double prezzoMedio, qint64 qta)
 {
     EsitoDividendo esito;
     const QStringView t = testoDividendo.trimmed();
     const std::optional<double> d = t.isEmpty() ? std::optional<double>(0.0) : parseNumber(t);
     if (!d || *d < 0) {
-        return Messaggio { QStringLiteral("Stacco dividendo"), QStringLiteral("Verificare il dividendo."),
-            Icona::Informazione, Campo::Dividendo, true };
+        return Message { QStringLiteral("Verificare il dividendo."), QStringLiteral("Stacco dividendo"),
+            MessageIcon::Information, false, QString::fromLatin1(kDividendField), true };
     }
     if (*d == 0) {
         esito.cancellato = true;
@@ -262,8 +263,8 @@ ControlloRimozione controllaRimozione(
 {
     ControlloRimozione esito;
     const QList<store::Operazione> ordinate = inOrdine(operazioni);
-    const Messaggio rifiuto { QStringLiteral("Avviso"), QStringLiteral("Non posso rimuovere questa operazione."),
-        Icona::Informazione, Campo::Nessuno, false };
+    const Message rifiuto { QStringLiteral("Non posso rimuovere questa operazione."), QStringLiteral("Avviso"),
+        MessageIcon::Information };
     const auto trovata = std::find_if(ordinate.begin(), ordinate.end(),
         [&](const store::Operazione &o) { return o.idArchivioDossier == idOperazione; });
     if (trovata == ordinate.end() || (ordinate.size() > 1 && trovata == ordinate.begin())) {
@@ -280,18 +281,17 @@ ControlloRimozione controllaRimozione(
             return esito;
         }
     }
-    esito.domanda = Messaggio { QStringLiteral("ATTENZIONE! Eliminazione"),
-        QStringLiteral("Confermi la cancellazione dell'operazione selezionata?"), Icona::Domanda, Campo::Nessuno,
-        false };
+    esito.domanda = Message { QStringLiteral("Confermi la cancellazione dell'operazione selezionata?"),
+        QStringLiteral("ATTENZIONE! Eliminazione"), MessageIcon::Question };
     if (esito.rimuoveTitolo)
-        esito.domanda.testo += testo("\nATTENZIONE la rimozione di questa operazione cancellerà il titolo dal dossier");
+        esito.domanda.text += testo("\nATTENZIONE la rimozione di questa operazione cancellerà il titolo dal dossier");
     return esito;
 }
 
-Messaggio messaggioTitoloRimosso()
+Message messaggioTitoloRimosso()
 {
-    return { QStringLiteral("Titolo rimosso"), testo("il titolo è stato rimosso dal dossier titoli"),
-        Icona::Informazione, Campo::Nessuno, false };
+    return { testo("il titolo è stato rimosso dal dossier titoli"), QStringLiteral("Titolo rimosso"),
+        MessageIcon::Information };
 }
 
 } // namespace vm::operations

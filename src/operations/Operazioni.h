@@ -4,6 +4,7 @@
 // windows with their messages, the date rules, the rows written, and the replay that rebuilds a title's row
 // from its operations after one is deleted. The windows, the demo data and the command-line tool share them.
 
+#include "core/Message.h"
 #include "store/Records.h"
 
 #include <QDate>
@@ -24,19 +25,11 @@ enum class Finestra {
     Vendita, // Form66
 };
 
-enum class Campo { Nessuno, Quantita, PrezzoNetto, Data, Dividendo };
-enum class Icona { Nessuna, Informazione, Avviso, Critica, Domanda };
-
-// A message the window shows, and where the focus goes after it.
-struct Messaggio {
-    QString titolo;
-    QString testo;
-    Icona icona = Icona::Informazione;
-    Campo fuoco = Campo::Nessuno;
-    bool selezionaTutto = false; // the field's whole text selected, to be typed over
-
-    bool operator==(const Messaggio &) const = default;
-};
+// The fields the checks' messages send the focus to, by the name they carry in every operation window.
+inline constexpr auto kQuantityField = "Text2";
+inline constexpr auto kNetPriceField = "Text6";
+inline constexpr auto kDateField = "DTPicker1";
+inline constexpr auto kDividendField = "Text1"; // in the dividend window
 
 // The window titles of the messages.
 QString titoloMessaggi(Finestra finestra);
@@ -49,7 +42,7 @@ struct Importo {
 
 // The checks of the confirm button, in order; the first that fails is the message. titolo is the chosen
 // title (Combo1's text, Label10's caption); a sale has no such check.
-std::optional<Messaggio> controllaOperazione(
+std::optional<Message> controllaOperazione(
     Finestra finestra, QStringView titolo, QStringView quantita, QStringView prezzoNetto);
 // The typed texts as numbers, once controllaOperazione() has passed them.
 Importo leggiImporto(QStringView quantita, QStringView prezzoNetto);
@@ -60,7 +53,7 @@ Importo leggiImporto(QStringView quantita, QStringView prezzoNetto);
 // used instead; a Saturday or a Sunday moves back to the Friday before it.
 struct DataScelta {
     QDate data;
-    std::optional<Messaggio> messaggio;
+    std::optional<Message> messaggio;
 };
 DataScelta dataOperazione(Finestra finestra, QDate scelta, QDate oggi);
 
@@ -85,15 +78,15 @@ struct EsitoVendita {
     enum class Stato { Rifiutata, Parziale, Totale };
     Stato stato = Stato::Rifiutata;
     store::DossierRow riga; // Parziale: the row with the shares left and their price
-    std::optional<Messaggio> messaggio; // Rifiutata
+    std::optional<Message> messaggio; // Rifiutata
 };
 EsitoVendita vendi(const store::DossierRow &riga, const Importo &importo);
 
 // Form6 and Form66 when the title's row is gone (renamed or removed meanwhile).
-Messaggio messaggioTitoloScomparso(Finestra finestra);
+Message messaggioTitoloScomparso(Finestra finestra);
 
 // Form61's check of a title already held, three lines.
-Messaggio messaggioGiaInDossier(const QString &descrizione);
+Message messaggioGiaInDossier(const QString &descrizione);
 // Form61's frame caption once a title not yet held is chosen.
 QString titoloCorniceAcquisto(const QString &descrizione);
 
@@ -110,7 +103,7 @@ struct EsitoDividendo {
     QString testoRendimento; // "Yeld %"
 };
 // testo is the dividend as typed: blank or 0 clears. A text that is no number is refused with a message.
-std::variant<EsitoDividendo, Messaggio> salvaDividendo(QStringView testo, QDate data, double prezzoMedio, qint64 qta);
+std::variant<EsitoDividendo, Message> salvaDividendo(QStringView testo, QDate data, double prezzoMedio, qint64 qta);
 
 // A number as a locale-independent conversion writes it: "." as decimal point, up to 15 significant digits.
 QString numeroSemplice(double valore);
@@ -132,14 +125,14 @@ store::DossierRow ricalcolaTitolo(const store::DossierRow &attuale, const QList<
 // Whether an operation may be deleted, and the question to ask. A refusal (the earliest of several
 // operations; one whose removal leaves a sale of shares not held) has its message and nothing to ask.
 struct ControlloRimozione {
-    std::optional<Messaggio> rifiuto;
-    Messaggio domanda;
+    std::optional<Message> rifiuto;
+    Message domanda;
     bool rimuoveTitolo = false; // the only operation: the title leaves the dossier with it
 };
 ControlloRimozione controllaRimozione(
     const store::DossierRow &riga, const QList<store::Operazione> &operazioni, qint64 idOperazione);
 
 // Told after the last operation went and the title with it.
-Messaggio messaggioTitoloRimosso();
+Message messaggioTitoloRimosso();
 
 } // namespace vm::operations

@@ -6,7 +6,7 @@ namespace vm::operations {
 
 namespace {
 
-EsitoRegistrazione rifiuto(const Messaggio &m)
+EsitoRegistrazione rifiuto(const Message &m)
 {
     EsitoRegistrazione e;
     e.messaggio = m;
@@ -20,12 +20,11 @@ EsitoRegistrazione errore(const store::Database &db)
 
 } // namespace
 
-Messaggio messaggioErrore(const store::Database &db)
+Message messaggioErrore(const store::Database &db)
 {
     const store::StoreError &e = db.lastError();
-    return { QString::fromLatin1(kProgramName),
-        e.message.isEmpty() ? QStringLiteral("Errore %1").arg(e.number) : e.message, Icona::Critica, Campo::Nessuno,
-        false };
+    return { e.message.isEmpty() ? QStringLiteral("Errore %1").arg(e.number) : e.message,
+        QString::fromLatin1(kProgramName), MessageIcon::Critical };
 }
 
 EsitoRegistrazione registraNuovoTitolo(store::Database &db, const QString &simbolo, const QString &descrizione,
@@ -49,9 +48,9 @@ namespace {
 // A further purchase or a sale through the store, which hands over the title's
 // row as stored now.
 EsitoRegistrazione registra(store::Database &db, Finestra finestra, qint64 idTitolo, const QString &simbolo,
-    const store::Operazione &op, const std::function<std::optional<Messaggio>(store::DossierRow &, bool &)> &applica)
+    const store::Operazione &op, const std::function<std::optional<Message>(store::DossierRow &, bool &)> &applica)
 {
-    std::optional<Messaggio> rifiutato;
+    std::optional<Message> rifiutato;
     bool rimosso = false;
     const bool fatto = db.recordOperation(idTitolo, op, [&](store::DossierRow &riga, bool &rimuovi) {
         // Renamed meanwhile: the window's key no longer names this row.
@@ -84,7 +83,7 @@ EsitoRegistrazione registraAcquisto(store::Database &db, qint64 idTitolo, const 
         operazione(store::kTipoAcquisto, idTitolo, nome, simbolo, data, importo, note, oggi),
         [&](store::DossierRow &riga, bool &) {
             riga = acquista(riga, importo);
-            return std::optional<Messaggio>();
+            return std::optional<Message>();
         });
 }
 
@@ -106,8 +105,8 @@ EsitoRegistrazione registraDividendo(store::Database &db, qint64 idTitolo, QDate
 {
     if (!db.setDividend(idTitolo, dataStacco, dividendo)) {
         if (db.lastError().number == store::ErrNoRecord) {
-            return rifiuto({ QString::fromLatin1(kProgramName),
-                QStringLiteral("Errore il titolo non presente in dossier."), Icona::Critica, Campo::Nessuno, false });
+            return rifiuto({ QStringLiteral("Errore il titolo non presente in dossier."),
+                QString::fromLatin1(kProgramName), MessageIcon::Critical });
         }
         return errore(db);
     }

@@ -11,7 +11,7 @@ namespace vm::operations {
 
 struct EsitoRegistrazione {
     bool ok = false;
-    std::optional<Messaggio> messaggio; // a refusal, or the store's failure ("Errore " + number)
+    std::optional<Message> messaggio; // a refusal, or the store's failure ("Errore " + number)
     std::optional<qint64> idTitolo; // the new title's identifier (Form61)
     bool titoloRimosso = false; // a sale of every share
 };
@@ -38,6 +38,6 @@ EsitoRegistrazione registraDividendo(store::Database &db, qint64 idTitolo, QDate
 EsitoRegistrazione rimuoviOperazione(store::Database &db, qint64 idTitolo, qint64 idOperazione);
 
 // The store's failure as the user is told it.
-Messaggio messaggioErrore(const store::Database &db);
+Message messaggioErrore(const store::Database &db);
 
 } // namespace vm::operations

@@ -261,8 +261,8 @@ bool TitleSituationWindow::TrovaTitolo(const QString &simbolo)
     const std::optional<store::DossierRow> riga = db.findTitleBySymbol(simbolo.trimmed());
     if (!riga) {
         ui::message(this,
-            db.lastError().failed() ? db.lastError().message : QString::fromLatin1(kMessaggioTitoloAssente),
-            QString::fromLatin1(kProgramName), ui::Icon::Critical);
+            { db.lastError().failed() ? db.lastError().message : QString::fromLatin1(kMessaggioTitoloAssente),
+                QString::fromLatin1(kProgramName), ui::Icon::Critical });
         return false;
     }
     const std::optional<QList<store::Operazione>> operazioni = db.operationsOfTitle(riga->idTitolo);
@@ -346,7 +346,7 @@ void TitleSituationWindow::drawChart(int indice, bool tellWhy)
         chart->setTitle(dati.messaggio);
         m_grafico->setChart(chart);
         if (tellWhy)
-            ui::message(this, dati.messaggio, QString::fromLatin1(kProgramName));
+            ui::message(this, { dati.messaggio, QString::fromLatin1(kProgramName) });
         return;
     }
     chart->setTitle(dati.titolo);
@@ -451,21 +451,19 @@ void TitleSituationWindow::deleteSelectedOperation()
         operazioni.append(r.operazione);
     const ControlloRimozione c = controllaRimozione(m_situazione.riga, operazioni, id);
     if (c.rifiuto) {
-        mostra(this, *c.rifiuto);
+        ui::message(this, *c.rifiuto);
         return;
     }
-    if (ui::message(this, c.domanda.testo, c.domanda.titolo, ui::Icon::Question, QMessageBox::Yes | QMessageBox::No,
-            QMessageBox::No)
-        != QMessageBox::Yes)
+    if (ui::message(this, c.domanda, QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
         return;
     const EsitoRegistrazione esito = rimuoviOperazione(m_context.db, m_situazione.riga.idTitolo, id);
     if (!esito.ok) {
         if (esito.messaggio)
-            mostra(this, *esito.messaggio);
+            ui::message(this, *esito.messaggio);
         return;
     }
     if (esito.titoloRimosso) {
-        mostra(this, *esito.messaggio);
+        ui::message(this, *esito.messaggio);
         close();
         Q_EMIT m_context.events.dossierChanged();
         return;

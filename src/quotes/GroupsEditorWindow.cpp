@@ -16,20 +16,6 @@ namespace vm::quotes {
 
 namespace {
 
-ui::Icon icona(AvvisoGruppi::Icona i)
-{
-    switch (i) {
-    case AvvisoGruppi::Icona::Informazione:
-        return ui::Icon::Information;
-    case AvvisoGruppi::Icona::Esclamazione:
-        return ui::Icon::Exclamation;
-    case AvvisoGruppi::Icona::Critica:
-        return ui::Icon::Critical;
-    default:
-        return ui::Icon::None;
-    }
-}
-
 constexpr int kRuoloIndice = Qt::UserRole + 1; // a list item's place among the titles offered
 
 } // namespace
@@ -111,10 +97,10 @@ GroupsEditorWindow *GroupsEditorWindow::open(const WindowContext &context)
     return w;
 }
 
-void GroupsEditorWindow::mostra(const QList<AvvisoGruppi> &avvisi)
+void GroupsEditorWindow::mostra(const QList<Message> &avvisi)
 {
-    for (const AvvisoGruppi &a : avvisi)
-        ui::message(this, a.testo, a.titolo, icona(a.icona));
+    for (const Message &a : avvisi)
+        ui::message(this, a);
 }
 
 void GroupsEditorWindow::CaricaGruppi()
@@ -124,8 +110,9 @@ void GroupsEditorWindow::CaricaGruppi()
     const auto albero = quotes::CaricaGruppi(m_db);
     if (!albero) {
         m_occupato = false;
-        ui::message(this, store::readFailure(QStringLiteral("i gruppi personali"), m_db.lastError()),
-            QString::fromUtf8(kTitoloGruppi), ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QStringLiteral("i gruppi personali"), m_db.lastError()),
+                QString::fromUtf8(kTitoloGruppi), ui::Icon::Critical });
         return;
     }
     for (const NodoGruppo &g : *albero) {
@@ -147,8 +134,9 @@ void GroupsEditorWindow::CaricaMS()
 {
     const auto cartelle = m_db.folders();
     if (!cartelle) {
-        ui::message(this, store::readFailure(QString::fromUtf8(store::kWhatFolders), m_db.lastError()),
-            QString::fromUtf8(kTitoloGruppi), ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatFolders), m_db.lastError()),
+                QString::fromUtf8(kTitoloGruppi), ui::Icon::Critical });
         return;
     }
     const ElencoTitoli e = quotes::CaricaMS(*cartelle);
@@ -294,7 +282,7 @@ void GroupsEditorWindow::rimuovi()
         gruppo = m_nome->text().trimmed();
     const EsitoGruppi e = quotes::rimuovi(m_db, titoli, gruppo, [this](const QString &domanda) {
         ui::beep();
-        return ui::message(this, domanda, QString::fromUtf8(kTitoloRimozioneGruppo), ui::Icon::Critical,
+        return ui::message(this, { domanda, QString::fromUtf8(kTitoloRimozioneGruppo), ui::Icon::Critical },
                    QMessageBox::Yes | QMessageBox::No)
             == QMessageBox::Yes;
     });

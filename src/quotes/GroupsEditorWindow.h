@@ -37,7 +37,7 @@ private:
     int contaSelezionati() const;
     void titoloSpuntato(QTreeWidgetItem *item);
     void nodoSpuntato(QTreeWidgetItem *item);
-    void mostra(const QList<AvvisoGruppi> &avvisi);
+    void mostra(const QList<Message> &avvisi);
     void salva();
     void aggiungi();
     void nuovo();

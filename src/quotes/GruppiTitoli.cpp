@@ -9,15 +9,15 @@ namespace vm::quotes {
 
 namespace {
 
-AvvisoGruppi avviso(const QString &testo, AvvisoGruppi::Icona icona = AvvisoGruppi::Icona::Nessuna,
+Message avviso(const QString &testo, MessageIcon icona = MessageIcon::None,
     const QString &titolo = QString::fromUtf8(kTitoloGruppi))
 {
-    return { titolo, testo, icona };
+    return { testo, titolo, icona };
 }
 
-AvvisoGruppi avvisoErrore(const store::Database &db)
+Message avvisoErrore(const store::Database &db)
 {
-    return avviso(db.lastError().message, AvvisoGruppi::Icona::Critica);
+    return avviso(db.lastError().message, MessageIcon::Critical);
 }
 
 store::GruppoRow riga(const QString &gruppo, const TitoloOfferto &t)
@@ -58,7 +58,7 @@ ElencoTitoli CaricaMS(const QStringList &cartelle)
         if (!c.haMaster()) {
             e.avvisi.append(
                 avviso(QStringLiteral("La cartella ") + percorso + QStringLiteral(" non contiene dati metastock."),
-                    AvvisoGruppi::Icona::Nessuna, QString::fromUtf8(kTitoloNoMetastock)));
+                    MessageIcon::None, QString::fromUtf8(kTitoloNoMetastock)));
             continue;
         }
         for (const metastock::RecordMaster &t : c.titoli)
@@ -67,7 +67,7 @@ ElencoTitoli CaricaMS(const QStringList &cartelle)
     return e;
 }
 
-std::optional<AvvisoGruppi> controllaSelezione(int giaSelezionati)
+std::optional<Message> controllaSelezione(int giaSelezionati)
 {
     if (giaSelezionati + 1 > kMassimoTitoliGruppo)
         return avviso(QString::fromUtf8(kMessaggioOltre40Selezionati));
@@ -116,7 +116,7 @@ EsitoGruppi creaGruppo(store::Database &db, const QString &nomeScritto, const QL
         return e;
     }
     if (selezionati.isEmpty()) {
-        e.avvisi.append(avviso(QString::fromUtf8(kMessaggioNessunSelezionato), AvvisoGruppi::Icona::Esclamazione,
+        e.avvisi.append(avviso(QString::fromUtf8(kMessaggioNessunSelezionato), MessageIcon::Exclamation,
             QString::fromUtf8(kTitoloGruppoNonCreato)));
         e.focusNome = true;
         return e;

@@ -4,6 +4,7 @@
 // and the rules of creating, adding to and removing groups, with their messages. Plain logic over the
 // store; the editor window shows what these functions return and answers the questions they ask.
 
+#include "core/Message.h"
 #include "store/Records.h"
 
 #include <QList>
@@ -41,14 +42,6 @@ QString messaggioGruppoCreato(const QString &gruppo);
 // The removal question, asked with a beep, Yes and No and the critical icon.
 QString domandaRimozioneGruppo(const QString &gruppo);
 
-// A message the editor shows.
-struct AvvisoGruppi {
-    enum class Icona { Nessuna, Informazione, Esclamazione, Critica };
-    QString titolo;
-    QString testo;
-    Icona icona = Icona::Nessuna;
-};
-
 // One title offered in the list (ListView1): key the symbol, text the name.
 struct TitoloOfferto {
     QString simbolo;
@@ -58,7 +51,7 @@ struct TitoloOfferto {
 
 struct ElencoTitoli {
     QList<TitoloOfferto> titoli; // folders in order, records in file order
-    QList<AvvisoGruppi> avvisi; // one per folder missing or without MASTER
+    QList<Message> avvisi; // one per folder missing or without MASTER
 };
 
 // `CaricaMS`: every title of every folder, with a message for a folder that does not exist ("Non trovo la
@@ -66,7 +59,7 @@ struct ElencoTitoli {
 ElencoTitoli CaricaMS(const QStringList &cartelle);
 
 // Checking one more title when `giaSelezionati` are checked: the message that refuses it, or nothing.
-std::optional<AvvisoGruppi> controllaSelezione(int giaSelezionati);
+std::optional<Message> controllaSelezione(int giaSelezionati);
 
 // One node of the tree (TreeView1): a group with its titles.
 struct NodoTitolo {
@@ -86,7 +79,7 @@ QString chiaveNodo(const store::GruppoRow &riga);
 
 // What a command did: the messages to show in order, and what the window must then do.
 struct EsitoGruppi {
-    QList<AvvisoGruppi> avvisi;
+    QList<Message> avvisi;
     bool scritto = false; // the table changed: reload the tree (and the board's group tabs after a creation)
     QList<int> salvati; // positions in the checked list of the titles written: unchecked by the window
     bool focusNome = false; // the focus goes back to the name field

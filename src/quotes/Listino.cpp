@@ -31,16 +31,15 @@ QString testoOpzionale(const std::optional<float> &valore)
     return valore ? testoSingolo(*valore) : QString(metastock::kCampoAssente);
 }
 
-AvvisoListino avvisoCartellaMancante(const QString &percorso)
+Message avvisoCartellaMancante(const QString &percorso)
 {
-    return { QString::fromUtf8(kTitoloListino), QString::fromUtf8(kPrefissoCartellaMancante) + percorso,
-        AvvisoListino::Icona::Esclamazione };
+    return { QString::fromUtf8(kPrefissoCartellaMancante) + percorso, QString::fromUtf8(kTitoloListino),
+        MessageIcon::Exclamation };
 }
 
-AvvisoListino avvisoNessunArchivio()
+Message avvisoNessunArchivio()
 {
-    return { QString::fromUtf8(kTitoloListino), QString::fromUtf8(kMessaggioNessunArchivio),
-        AvvisoListino::Icona::Nessuna };
+    return { QString::fromUtf8(kMessaggioNessunArchivio), QString::fromUtf8(kTitoloListino) };
 }
 
 // A whole small file through plain system calls; nothing when it cannot be opened.

@@ -4,6 +4,7 @@
 // archive folders. Plain logic: the board window, its tests and `valorimetrico-cli listino` all show
 // what these functions return, in the same order.
 
+#include "core/Message.h"
 #include "metastock/Master.h"
 #include "metastock/Prezzi.h"
 
@@ -90,18 +91,10 @@ struct RigaListino {
     int iconaCollegato() const { return aggiornato ? kIconaAggiornato : kIconaNonAggiornato; }
 };
 
-// A message the window shows, in the order met.
-struct AvvisoListino {
-    enum class Icona { Nessuna, Informazione, Esclamazione };
-    QString titolo;
-    QString testo;
-    Icona icona = Icona::Nessuna;
-};
-
 struct Listino {
     bool eseguito = false; // false when no folder is configured
     QList<RigaListino> righe;
-    QList<AvvisoListino> avvisi;
+    QList<Message> avvisi; // in the order met
     QStringList nonTrovati; // symbols asked for that no folder holds, in the order asked
 };
 

@@ -39,18 +39,6 @@ QIcon icona(int immagine)
     }
 }
 
-ui::Icon iconaAvviso(AvvisoListino::Icona i)
-{
-    switch (i) {
-    case AvvisoListino::Icona::Informazione:
-        return ui::Icon::Information;
-    case AvvisoListino::Icona::Esclamazione:
-        return ui::Icon::Exclamation;
-    default:
-        return ui::Icon::None;
-    }
-}
-
 // Marks a control as being set by the window itself, so that its change handler does not react.
 class Tag
 {
@@ -273,8 +261,9 @@ bool QuoteBoardWindow::leggiCartelle(QStringList &cartelle)
 {
     const auto lette = m_context.db.folders();
     if (!lette) {
-        ui::message(this, store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()),
-            QString::fromUtf8(kTitoloListino), ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatFolders), m_context.db.lastError()),
+                QString::fromUtf8(kTitoloListino), ui::Icon::Critical });
         return false;
     }
     cartelle = *lette;
@@ -324,8 +313,9 @@ void QuoteBoardWindow::CercaTitoloDossier()
         return;
     const auto righe = m_context.db.dossierRows();
     if (!righe) {
-        ui::message(this, store::readFailure(QString::fromUtf8(store::kWhatDossier), m_context.db.lastError()),
-            QString::fromUtf8(kTitoloListino), ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QString::fromUtf8(store::kWhatDossier), m_context.db.lastError()),
+                QString::fromUtf8(kTitoloListino), ui::Icon::Critical });
         return;
     }
     QStringList simboli;
@@ -349,8 +339,9 @@ void QuoteBoardWindow::caricaSchedeGruppi()
 {
     const auto gruppi = m_context.db.groupSizes();
     if (!gruppi) {
-        ui::message(this, store::readFailure(QStringLiteral("i gruppi personali"), m_context.db.lastError()),
-            QString::fromUtf8(kTitoloListino), ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QStringLiteral("i gruppi personali"), m_context.db.lastError()),
+                QString::fromUtf8(kTitoloListino), ui::Icon::Critical });
         return;
     }
     const QSignalBlocker blocca(m_gruppi);
@@ -382,8 +373,9 @@ void QuoteBoardWindow::CaricaPersonali()
         return;
     const auto simboli = m_context.db.symbolsOfGroup(m_gruppo);
     if (!simboli) {
-        ui::message(this, store::readFailure(QStringLiteral("il gruppo ") + m_gruppo, m_context.db.lastError()),
-            QString::fromUtf8(kTitoloListino), ui::Icon::Critical);
+        ui::message(this,
+            { store::readFailure(QStringLiteral("il gruppo ") + m_gruppo, m_context.db.lastError()),
+                QString::fromUtf8(kTitoloListino), ui::Icon::Critical });
         return;
     }
     m_avanzamento->show();
@@ -418,8 +410,8 @@ void QuoteBoardWindow::riempi(const Listino &l)
         elementi.append(item);
     }
     m_lista->addTopLevelItems(elementi);
-    for (const AvvisoListino &a : l.avvisi)
-        ui::message(this, a.testo, a.titolo, iconaAvviso(a.icona));
+    for (const Message &a : l.avvisi)
+        ui::message(this, a);
 }
 
 void QuoteBoardWindow::rigaScelta(int riga, bool daCombo)
@@ -427,8 +419,9 @@ void QuoteBoardWindow::rigaScelta(int riga, bool daCombo)
     if (riga < 0 || riga >= m_righe.size())
         return;
     if (m_righe[riga].testi[ColData] == QLatin1String(kDataNonCompatibile)) {
-        ui::message(this, QString::fromUtf8(kMessaggioNonCompatibile), QString::fromUtf8(kTitoloNonCompatibile),
-            ui::Icon::Information);
+        ui::message(this,
+            { QString::fromUtf8(kMessaggioNonCompatibile), QString::fromUtf8(kTitoloNonCompatibile),
+                ui::Icon::Information });
         return;
     }
     Shell &shell = m_context.shell;
@@ -453,7 +446,7 @@ void QuoteBoardWindow::TrovaTitolo(int riga)
     QString errore;
     const auto storia = metastock::leggiStoria(r.percorsoPrezzi, r.record.campi, &errore);
     if (!storia) {
-        ui::message(this, errore, QString::fromUtf8(kTitoloListino), ui::Icon::Exclamation);
+        ui::message(this, { errore, QString::fromUtf8(kTitoloListino), ui::Icon::Exclamation });
         return;
     }
     m_rigaGrafico = riga;

@@ -107,7 +107,7 @@ QLabel *MainWindowBlocker::addLabel(const QString &text, QWidget *parent, const 
 
 void MainWindowBlocker::wrongPassword(QLineEdit *field)
 {
-    ui::message(this, utf8(text::kWrongPassword), {}, ui::Icon::Exclamation);
+    ui::message(this, { utf8(text::kWrongPassword), {}, ui::Icon::Exclamation });
     field->clear();
     field->setFocus();
 }
@@ -248,19 +248,19 @@ void PasswordWindow::save()
     if (result.outcome == SaveOutcome::Mismatch) {
         m_new->clear();
         m_verify->clear();
-        ui::message(this, utf8(text::kVerifyNew), title, ui::Icon::Information);
+        ui::message(this, { utf8(text::kVerifyNew), title, ui::Icon::Information });
         m_new->setFocus();
         return;
     }
     if (!result.written) {
-        ui::message(this, utf8(text::kNotSaved) + result.error, title, ui::Icon::Critical);
+        ui::message(this, { utf8(text::kNotSaved) + result.error, title, ui::Icon::Critical });
         return;
     }
     const bool protectedNow = result.outcome == SaveOutcome::Changed;
     if (protectedNow)
-        ui::message(this, utf8(text::kPasswordChanged), title, ui::Icon::Information);
+        ui::message(this, { utf8(text::kPasswordChanged), title, ui::Icon::Information });
     else
-        ui::message(this, utf8(text::kProtectionOff), title, ui::Icon::Exclamation);
+        ui::message(this, { utf8(text::kProtectionOff), title, ui::Icon::Exclamation });
     if (m_mainWindow)
         m_shell.setDossierProtected(protectedNow);
     close();

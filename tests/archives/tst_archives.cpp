@@ -1,7 +1,7 @@
 // The archive search over a tree of awkward folders, the drive of a folder, and the duplicates rule.
 #include "archives/ArchiveFolders.h"
 #include "archives/ArchiveSearch.h"
-#include "support/ArchiviProva.h"
+#include "support/Fixture.h"
 #include "support/TestSupport.h"
 
 #include <QProcess>
@@ -19,7 +19,7 @@ void archivio(const QString &cartella, bool marcato, const QStringList &simboli 
     QDir().mkpath(cartella);
     QList<vm::metastock::TitoloArchivio> titoli;
     for (const QString &s : simboli)
-        titoli << prova::titolo(s, s + QStringLiteral(" SPA"));
+        titoli << vm::test::archiveTitle(s, s + QStringLiteral(" SPA"));
     vm::metastock::OpzioniArchivio opzioni;
     opzioni.marcato = marcato;
     if (!vm::metastock::scriviArchivio(cartella, titoli, opzioni))
@@ -56,7 +56,7 @@ private Q_SLOTS:
         archivio(m_radice + "/a/b/c/d/profondo", false);
         QDir().mkpath(m_radice + "/finto/master");
         QDir().mkpath(m_radice + "/minuscolo");
-        vmtest::writeFile(m_radice + "/minuscolo/master", vmtest::readFile(m_radice + "/marcato/MASTER"));
+        vm::test::writeFile(m_radice + "/minuscolo/master", vm::test::readFile(m_radice + "/marcato/MASTER"));
         QVERIFY(QFile::link(m_radice, m_radice + "/a/anello"));
         QVERIFY(QFile::link(m_radice + "/marcato", m_radice + "/collegamento"));
         for (int i = 0; i < 40; ++i)

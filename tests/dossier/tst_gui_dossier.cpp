@@ -36,9 +36,9 @@
 
 using namespace vm;
 using namespace vm::dossier;
-using vmtest::child;
-using vmtest::program;
-using vmtest::shown;
+using vm::test::child;
+using vm::test::program;
+using vm::test::shown;
 namespace testing = vm::ui::testing;
 
 namespace {

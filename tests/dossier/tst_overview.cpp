@@ -196,9 +196,9 @@ private Q_SLOTS:
         QVERIFY(!avvisoSelezioneTitolo(v.righe[0]));
         const auto avviso = avvisoSelezioneTitolo(v.righe[1]);
         QVERIFY(avviso);
-        QCOMPARE(avviso->testo, QStringLiteral("Il titolo Nome X non aggiornato con Quotaflusso."));
-        QCOMPARE(avviso->titolo, QStringLiteral("Valorimetrico"));
-        QCOMPARE(avvisoNessunaSelezione().testo, QStringLiteral("Nessun titolo è stato selezionato."));
+        QCOMPARE(avviso->text, QStringLiteral("Il titolo Nome X non aggiornato con Quotaflusso."));
+        QCOMPARE(avviso->title, QStringLiteral("Valorimetrico"));
+        QCOMPARE(avvisoNessunaSelezione().text, QStringLiteral("Nessun titolo è stato selezionato."));
         QCOMPARE(nomeVista(kCodaDettaglio), QStringLiteral("Dossier Dettaglio"));
     }
 
@@ -308,7 +308,7 @@ private Q_SLOTS:
         auto avviso = verificaRinomina(*db.dossierRows(), *id, simbolo);
         if (!avviso)
             avviso = rinominaTitolo(db, *id, simbolo, nome);
-        QTEST(avviso ? avviso->testo : QString(), "messaggio");
+        QTEST(avviso ? avviso->text : QString(), "messaggio");
         QStringList dopo;
         const auto righe = db.dossierRows();
         QVERIFY(righe);
@@ -330,7 +330,7 @@ private Q_SLOTS:
         QVERIFY(su && db.insertTitle(titoloDossier(0, "GIU", 1, 1)));
         const auto avviso = rinominaTitolo(db, *su, QStringLiteral("GIU"), QStringLiteral("Nuovo"));
         QVERIFY(avviso);
-        QVERIFY(avviso->testo.contains(QStringLiteral("Nessuna modifica")));
+        QVERIFY(avviso->text.contains(QStringLiteral("Nessuna modifica")));
         QCOMPARE(db.findTitleById(*su)->titolo, QStringLiteral("SU"));
         QCOMPARE(db.findTitleById(*su)->descrizione, QStringLiteral("Nome SU"));
     }
@@ -358,7 +358,7 @@ private Q_SLOTS:
         const SimboliArchivi s = CaricaMS({ cartella("A"), cartella("M"), cartella("B") });
         QCOMPARE(s.simboli, QStringList({ "SU", "GIU", "PARI", "DUE", "O'K", "NUOVO" }));
         QCOMPARE(s.avvisi.size(), 1);
-        QCOMPARE(s.avvisi.first().testo, QStringLiteral("Cartella ") + cartella("M") + QStringLiteral(" non trovata"));
+        QCOMPARE(s.avvisi.first().text, QStringLiteral("Cartella ") + cartella("M") + QStringLiteral(" non trovata"));
     }
 
     // The printed pages: every row once, in order, the headings on each page, the totals at the end of

@@ -126,8 +126,8 @@ private Q_SLOTS:
                      .join(u'|'),
             testi);
         QStringList titoli;
-        for (const Avviso &a : v.avvisi)
-            titoli << a.titolo;
+        for (const Message &a : v.avvisi)
+            titoli << a.title;
         QCOMPARE(titoli.join(u'|'), avvisi);
         // The unrounded values follow the texts: 0 where a zero text stands in for a value.
         QCOMPARE(r.attuale, stato == StatoTitolo::NonTrovato ? 0.0 : double(chiusura) * 10);
@@ -139,8 +139,8 @@ private Q_SLOTS:
     {
         const Valutazione v = PreparaDati(cartelle(QStringLiteral("MA")), { { 1, "O'NEIL", {}, {}, 1.5, 3, {}, 0 } });
         QCOMPARE(v.avvisi.size(), 2);
-        QCOMPARE(v.avvisi[0].testo, QStringLiteral("Errore su lettura ") + cartelle(QStringLiteral("M")).first());
-        QCOMPARE(v.avvisi[1].testo,
+        QCOMPARE(v.avvisi[0].text, QStringLiteral("Errore su lettura ") + cartelle(QStringLiteral("M")).first());
+        QCOMPARE(v.avvisi[1].text,
             QStringLiteral("Attenzione! il titolo O'NEIL non è presente nell'archivio metastock! \n"
                            "Verificare se il titolo è stato rimosso dall'archivio oppure è stato dato un'altro "
                            "simbolo,\nin questo caso, rinominare quello in dossier.\n\n"
@@ -151,7 +151,7 @@ private Q_SLOTS:
         const Valutazione senza = PreparaDati({}, { { 1, "ENEL", {}, {}, 1, 1, {}, 0 } });
         QVERIFY(!senza.eseguita && senza.righe.isEmpty());
         QCOMPARE(senza.avvisi.size(), 1);
-        QCOMPARE(senza.avvisi[0].testo, QStringLiteral("Le impostazioni degli archivi, non sono state impostate."));
+        QCOMPARE(senza.avvisi[0].text, QStringLiteral("Le impostazioni degli archivi, non sono state impostate."));
 
         const Valutazione vuoto = PreparaDati(cartelle(QStringLiteral("A")), {});
         QVERIFY(vuoto.eseguita && vuoto.righe.isEmpty() && vuoto.avvisi.isEmpty());

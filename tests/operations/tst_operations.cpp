@@ -14,7 +14,6 @@ using namespace vm::operations;
 
 Q_DECLARE_METATYPE(vm::operations::CampoImporto)
 Q_DECLARE_METATYPE(vm::operations::Finestra)
-Q_DECLARE_METATYPE(vm::operations::Campo)
 Q_DECLARE_METATYPE(vm::operations::Colore)
 
 namespace {
@@ -287,11 +286,11 @@ private Q_SLOTS:
         QTEST(int(v.stato), "stato");
         QTEST(v.riga.prezzo, "nuovoPrezzo");
         QTEST(v.riga.qta, "nuovaQta");
-        QTEST(v.messaggio ? v.messaggio->testo : QString(), "messaggio");
+        QTEST(v.messaggio ? v.messaggio->text : QString(), "messaggio");
         if (v.messaggio) {
-            QCOMPARE(v.messaggio->titolo, QStringLiteral("Vendita"));
-            QCOMPARE(v.messaggio->fuoco, Campo::Quantita);
-            QVERIFY(v.messaggio->selezionaTutto);
+            QCOMPARE(v.messaggio->title, QStringLiteral("Vendita"));
+            QCOMPARE(v.messaggio->focus, QLatin1String(kQuantityField));
+            QVERIFY(v.messaggio->selectAll);
         }
     }
 
@@ -303,53 +302,60 @@ private Q_SLOTS:
         QTest::addColumn<QString>("quantita");
         QTest::addColumn<QString>("prezzo");
         QTest::addColumn<QString>("messaggio"); // "titolo|testo", empty when the checks pass
-        QTest::addColumn<Campo>("fuoco");
+        QTest::addColumn<QString>("fuoco");
 
         const auto F61 = Finestra::NuovoTitolo, F6 = Finestra::Acquisto, F66 = Finestra::Vendita;
         QTest::newRow("61 no title") << F61 << " "
                                      << ""
                                      << ""
-                                     << "Acquisto|Selezionare il titolo" << Campo::Nessuno;
+                                     << "Acquisto|Selezionare il titolo" << QString();
         QTest::newRow("6 no title") << F6 << ""
                                     << "1"
                                     << "1"
-                                    << "Acquisto nuove quote|Selezionare il titolo" << Campo::Nessuno;
+                                    << "Acquisto nuove quote|Selezionare il titolo" << QString();
         QTest::newRow("66 has no title check") << F66 << ""
                                                << ""
                                                << ""
-                                               << "Vendita|Inserire il numero di azioni." << Campo::Quantita;
+                                               << "Vendita|Inserire il numero di azioni."
+                                               << "Text2";
         QTest::newRow("quantity blank") << F61 << "ALFA"
                                         << "  "
                                         << "2,5"
-                                        << "Acquisto|Inserire il numero di azioni." << Campo::Quantita;
+                                        << "Acquisto|Inserire il numero di azioni."
+                                        << "Text2";
         QTest::newRow("price blank") << F6 << "ALFA"
                                      << "10"
                                      << ""
-                                     << "Acquisto nuove quote|Inserire il prezzo x azione." << Campo::PrezzoNetto;
+                                     << "Acquisto nuove quote|Inserire il prezzo x azione."
+                                     << "Text6";
         QTest::newRow("two commas") << F66 << ""
                                     << "10"
                                     << "1,2,3"
-                                    << "Vendita|Verificare il prezzo." << Campo::PrezzoNetto;
+                                    << "Vendita|Verificare il prezzo."
+                                    << "Text6";
         QTest::newRow("a lone comma") << F61 << "ALFA"
                                       << "10"
                                       << ","
-                                      << "Acquisto|Verificare il prezzo." << Campo::PrezzoNetto;
+                                      << "Acquisto|Verificare il prezzo."
+                                      << "Text6";
         QTest::newRow("beyond the quantity column") << F61 << "ALFA"
                                                     << "2147483648"
                                                     << "1"
-                                                    << "Acquisto|Verificare la quantità." << Campo::Quantita;
+                                                    << "Acquisto|Verificare la quantità."
+                                                    << "Text2";
         QTest::newRow("pasted letters") << F66 << ""
                                         << "12a"
                                         << "1"
-                                        << "Vendita|Verificare la quantità." << Campo::Quantita;
+                                        << "Vendita|Verificare la quantità."
+                                        << "Text2";
         QTest::newRow("quantity 0 passes") << F61 << "ALFA"
                                            << "0"
                                            << "2,5"
-                                           << "" << Campo::Nessuno;
+                                           << "" << QString();
         QTest::newRow("largest quantity passes") << F6 << "ALFA"
                                                  << "2147483647"
                                                  << "0,001"
-                                                 << "" << Campo::Nessuno;
+                                                 << "" << QString();
     }
     void controlli()
     {
@@ -357,9 +363,9 @@ private Q_SLOTS:
         QFETCH(QString, titolo);
         QFETCH(QString, quantita);
         QFETCH(QString, prezzo);
-        const std::optional<Messaggio> m = controllaOperazione(finestra, titolo, quantita, prezzo);
-        QTEST(m ? m->titolo + u'|' + m->testo : QString(), "messaggio");
-        QTEST(m ? m->fuoco : Campo::Nessuno, "fuoco");
+        const std::optional<Message> m = controllaOperazione(finestra, titolo, quantita, prezzo);
+        QTEST(m ? m->title + u'|' + m->text : QString(), "messaggio");
+        QTEST(m ? m->focus : QString(), "fuoco");
     }
 
     // The operation's date: weekends back to Friday, a future day refused with each window's own message.
@@ -392,9 +398,9 @@ private Q_SLOTS:
         QFETCH(QDate, oggi);
         const DataScelta d = dataOperazione(finestra, scelta, oggi);
         QTEST(d.data, "data");
-        QTEST(d.messaggio ? d.messaggio->testo : QString(), "messaggio");
+        QTEST(d.messaggio ? d.messaggio->text : QString(), "messaggio");
         if (d.messaggio)
-            QCOMPARE(d.messaggio->titolo, QStringLiteral("Verifica la data"));
+            QCOMPARE(d.messaggio->title, QStringLiteral("Verifica la data"));
     }
 
     // The dividend window: what is stored and what the title window shows after it.
@@ -425,7 +431,7 @@ private Q_SLOTS:
         QFETCH(QStringList, figure);
         const auto esito = salvaDividendo(testo, QDate(2026, 11, 20), prezzoMedio, qta);
         if (figure.isEmpty()) {
-            QVERIFY(std::holds_alternative<Messaggio>(esito));
+            QVERIFY(std::holds_alternative<Message>(esito));
             return;
         }
         const auto &e = std::get<EsitoDividendo>(esito);

@@ -128,7 +128,7 @@ class TestTitolo : public QObject
                 break;
             }
             }
-            ultimo = e.messaggio ? e.messaggio->testo : QString();
+            ultimo = e.messaggio ? e.messaggio->text : QString();
         }
         return ultimo;
     }
@@ -247,8 +247,8 @@ private Q_SLOTS:
         const EsitoRegistrazione e = registra(db, 1, QStringLiteral("ALFA BETA"), QStringLiteral("XYZ"),
             QDate(2025, 2, 3), { 10, 10 }, QString(), QDate(2025, 2, 3));
         QVERIFY(!e.ok);
-        QCOMPARE(e.messaggio->testo, QStringLiteral("Non trovato in archivio, forse è stato cambiato il nome.."));
-        QCOMPARE(e.messaggio->titolo, vendita ? QStringLiteral("Vendita") : QStringLiteral("Acquisto nuove quote"));
+        QCOMPARE(e.messaggio->text, QStringLiteral("Non trovato in archivio, forse è stato cambiato il nome.."));
+        QCOMPARE(e.messaggio->title, vendita ? QStringLiteral("Vendita") : QStringLiteral("Acquisto nuove quote"));
         QCOMPARE(db.operationsOfTitle(1)->size(), 1);
         QCOMPARE(db.findTitleById(1)->qta, 100);
     }

@@ -25,8 +25,8 @@ QList<TitoloOfferto> offerti(int quanti, const QString &prefisso = QStringLitera
 QString testi(const EsitoGruppi &e)
 {
     QStringList t;
-    for (const AvvisoGruppi &a : e.avvisi)
-        t << a.titolo + u'|' + a.testo;
+    for (const Message &a : e.avvisi)
+        t << a.title + u'|' + a.text;
     return t.join(u'\n');
 }
 
@@ -87,7 +87,7 @@ private Q_SLOTS:
         const auto rifiuto = controllaSelezione(gia);
         QCOMPARE(!rifiuto.has_value(), accettato);
         if (rifiuto)
-            QCOMPARE(rifiuto->testo, QStringLiteral("Non è possibile selezionare oltre 40 titoli."));
+            QCOMPARE(rifiuto->text, QStringLiteral("Non è possibile selezionare oltre 40 titoli."));
         QCOMPARE(testoSelezionati(gia), QStringLiteral("Selezionati: ") + QString::number(gia));
     }
 
@@ -238,8 +238,8 @@ private Q_SLOTS:
         QVERIFY(!e.scritto);
         QVERIFY(e.salvati.isEmpty());
         QCOMPARE(e.avvisi.size(), 1);
-        QCOMPARE(e.avvisi[0].icona, AvvisoGruppi::Icona::Critica);
-        QCOMPARE(e.avvisi[0].testo, m_db->lastError().message);
+        QCOMPARE(e.avvisi[0].icon, MessageIcon::Critical);
+        QCOMPARE(e.avvisi[0].text, m_db->lastError().message);
     }
 
     // The same title in two groups: two nodes, two keys (symbol trimmed + ID).
@@ -273,8 +273,8 @@ private Q_SLOTS:
             t << o.simbolo + u'=' + o.nome;
         QCOMPARE(t.join(u','), QStringLiteral("B2=BETA,A1=ALFA"));
         QCOMPARE(e.avvisi.size(), 2);
-        QCOMPARE(e.avvisi[0].titolo + u'|' + e.avvisi[0].testo, "Valorimetrico|Non trovo la directory " + manca);
-        QCOMPARE(e.avvisi[1].titolo + u'|' + e.avvisi[1].testo,
+        QCOMPARE(e.avvisi[0].title + u'|' + e.avvisi[0].text, "Valorimetrico|Non trovo la directory " + manca);
+        QCOMPARE(e.avvisi[1].title + u'|' + e.avvisi[1].text,
             "No metastock files|La cartella " + vuota + " non contiene dati metastock.");
     }
 };

@@ -32,7 +32,7 @@ private Q_SLOTS:
         QProcess p;
         p.start(QStringLiteral(VM_CLI_PATH), { QStringLiteral("demo"), tmp.path() });
         QVERIFY(p.waitForFinished(60000) && p.exitCode() == 0);
-        vmtest::Program &program = vmtest::program();
+        vm::test::Program &program = vm::test::program();
         program.setFolder(tmp.path());
         store::Database db;
         QVERIFY(db.open(tmp.filePath(QStringLiteral("valorimetrico.mdb"))).ok());

@@ -96,13 +96,13 @@ class TestGuiQuotes : public QObject
     std::unique_ptr<MainWindow> m_main;
     QString m_manca;
 
-    WindowContext context() { return vmtest::program().context(*m_main, *m_db); }
+    WindowContext context() { return vm::test::program().context(*m_main, *m_db); }
 
 private Q_SLOTS:
     void initTestCase()
     {
         ui::testing::enable();
-        vmtest::program().setFolder(m_tmp.path());
+        vm::test::program().setFolder(m_tmp.path());
         const QString uno = m_tmp.filePath(QStringLiteral("uno/"));
         const QString grande = m_tmp.filePath(QStringLiteral("grande/"));
         m_manca = m_tmp.filePath(QStringLiteral("manca/"));
@@ -127,7 +127,7 @@ private Q_SLOTS:
         m_db = std::make_unique<store::Database>();
         QVERIFY(m_db->open(mdb).ok());
         QVERIFY(m_db->replaceFolders({ uno, m_manca, grande }));
-        m_main = vmtest::program().mainWindow();
+        m_main = vm::test::program().mainWindow();
         quotes::registerWindows(context());
         m_main->show();
     }
@@ -223,7 +223,7 @@ private Q_SLOTS:
         QCOMPARE(periodo->value(), dopo);
         QVERIFY(!storico->isChecked());
         QCOMPARE(board->puntiGrafico(), dopo);
-        QCOMPARE(vmtest::program().settings.read(settings::GraficoPeriodo), QString::number(dopo));
+        QCOMPARE(vm::test::program().settings.read(settings::GraficoPeriodo), QString::number(dopo));
     }
 
     // The 40-title limit, a group with a quote in its name created with exactly 40 titles, the board's
@@ -412,7 +412,7 @@ private Q_SLOTS:
         const QString grande = m_tmp.filePath(QStringLiteral("grande/"));
         QuoteBoardWindow *board = QuoteBoardWindow::open(context(), QuoteBoardWindow::Lista(lista), true);
         auto *elenco = figlio<QTreeWidget>(board, "ListView1");
-        DataEvents &eventi = vmtest::program().events;
+        DataEvents &eventi = vm::test::program().events;
         ui::testing::reset();
         std::optional<qint64> titolo;
         if (evento == u"cartelle") {

@@ -64,8 +64,8 @@ QString nomi(const Listino &l)
 QString avvisi(const Listino &l)
 {
     QStringList a;
-    for (const AvvisoListino &v : l.avvisi)
-        a << v.titolo + u'|' + v.testo;
+    for (const Message &v : l.avvisi)
+        a << v.title + u'|' + v.text;
     return a.join(u'\n');
 }
 
