@@ -11,35 +11,60 @@
 #include "cli/CmdVerifica.h"
 #include "core/ProgramInfo.h"
 
-#include <iterator>
+#include <functional>
+#include <memory>
 
 namespace vm::cli {
 
 namespace {
 
-// Each subsystem registers its commands here, in the order --help lists them.
-const CommandInfo kCommands[] = {
-    { "titoli", "elenca i titoli di una cartella MetaStock", vm::metastock::cmdTitoli },
-    { "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni },
-    { "crea-archivio", "crea un archivio dati vuoto in una cartella", vm::store::cmdCreaArchivio },
-    { "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report", cmdVerifica },
-    { "cerca-archivi", "cerca le cartelle di archivi MetaStock sotto una cartella", cmdCercaArchivi },
-    { "demo", "crea una cartella dimostrativa completa del programma", vm::demo::cmdDemo },
-    { "dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier },
-    { "backup", "fa subito una copia dell'archivio dati nella cartella backup", cmdBackup },
-    { "ripristina", "rimette al posto dell'archivio dati una sua copia verificata", cmdRipristina },
-    { "titolo", "mostra la situazione, le operazioni e la performance di un titolo", vm::operations::cmdTitolo },
-    { "listino", "le ultime quotazioni dei titoli di una lettera, del dossier o di un gruppo", vm::quotes::cmdListino },
+// One line of the tool's --help and the way to run it. Commands written before the Command base still run as
+// plain functions.
+struct Entry {
+    QString name;
+    QString summary;
+    std::function<int(const QStringList &, Io &)> run;
 };
+
+template<class C> Entry entry()
+{
+    auto command = std::make_shared<C>();
+    return { command->name(), command->summary(),
+        [command](const QStringList &args, Io &io) { return command->execute(args, io); } };
+}
+
+Entry entry(const char *name, const char *summary, int (*run)(const QStringList &, Io &))
+{
+    return { QString::fromLatin1(name), QString::fromUtf8(summary), run };
+}
+
+// Every command, in the order --help lists them.
+const QList<Entry> &commands()
+{
+    static const QList<Entry> list {
+        entry("titoli", "elenca i titoli di una cartella MetaStock", vm::metastock::cmdTitoli),
+        entry(
+            "quotazioni", "elenca le quotazioni di un titolo di una cartella MetaStock", vm::metastock::cmdQuotazioni),
+        entry<CreateDatabaseCommand>(),
+        entry<CheckCommand>(),
+        entry<ArchiveSearchCommand>(),
+        entry<DemoCommand>(),
+        entry("dossier", "valuta il dossier con le ultime quotazioni degli archivi", vm::dossier::cmdDossier),
+        entry("backup", "fa subito una copia dell'archivio dati nella cartella backup", cmdBackup),
+        entry("ripristina", "rimette al posto dell'archivio dati una sua copia verificata", cmdRipristina),
+        entry("titolo", "mostra la situazione, le operazioni e la performance di un titolo", vm::operations::cmdTitolo),
+        entry("listino", "le ultime quotazioni dei titoli di una lettera, del dossier o di un gruppo",
+            vm::quotes::cmdListino),
+    };
+    return list;
+}
 
 void printHelp(QTextStream &out)
 {
     out << "Uso: valorimetrico-cli COMANDO [OPZIONI]\n\n"
         << kProgramName << " " << programVersion() << ": il dossier titoli senza finestre.\n\nComandi:\n";
-    for (const auto &c : kCommands) {
-        if (c.run)
-            out << "  " << QString::fromLatin1(c.name).leftJustified(14) << QString::fromUtf8(c.summary) << "\n";
-    }
+    for (const Entry &c : commands())
+        out << "  " << c.name.leftJustified(14) << c.summary << "\n";
     out << "\n'valorimetrico-cli COMANDO --help' descrive un comando.\n";
 }
 
@@ -78,8 +103,8 @@ int run(const QStringList &args, Io &io)
         printHelp(io.out);
         return Ok;
     }
-    for (const auto &c : kCommands) {
-        if (c.run && name == QLatin1String(c.name))
+    for (const Entry &c : commands()) {
+        if (name == c.name)
             return c.run(args.mid(1), io);
     }
     io.err << "Comando sconosciuto: " << name << "\n";

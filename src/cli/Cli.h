@@ -15,15 +15,6 @@ struct Io {
     QTextStream &err;
 };
 
-// A command receives the words after its own name.
-using Command = int (*)(const QStringList &args, Io &io);
-
-struct CommandInfo {
-    const char *name;
-    const char *summary; // one Italian line for the tool's --help
-    Command run;
-};
-
 // Runs the tool on its arguments (without the program name) and returns the exit status.
 int run(const QStringList &args, Io &io);
 

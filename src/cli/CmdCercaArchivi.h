@@ -1,10 +1,17 @@
 #pragma once
 
-#include "cli/Cli.h"
+#include "cli/Command.h"
 
 namespace vm::cli {
 
 // valorimetrico-cli cerca-archivi DIR [--compatibili]: the archive search without a window.
-int cmdCercaArchivi(const QStringList &args, Io &io);
+class ArchiveSearchCommand : public Command
+{
+public:
+    ArchiveSearchCommand();
+
+protected:
+    int run(const Arguments &args, Io &io) override;
+};
 
 } // namespace vm::cli

@@ -1,10 +1,17 @@
 #pragma once
 
-#include "cli/Cli.h"
+#include "cli/Command.h"
 
-namespace vm::demo {
+namespace vm::cli {
 
 // valorimetrico-cli demo CARTELLA
-int cmdDemo(const QStringList &args, cli::Io &io);
+class DemoCommand : public Command
+{
+public:
+    DemoCommand();
 
-} // namespace vm::demo
+protected:
+    int run(const Arguments &args, Io &io) override;
+};
+
+} // namespace vm::cli

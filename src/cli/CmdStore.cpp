@@ -4,38 +4,35 @@
 
 #include <QDir>
 
-namespace vm::store {
+namespace vm::cli {
 
-int cmdCreaArchivio(const QStringList &args, cli::Io &io)
+CreateDatabaseCommand::CreateDatabaseCommand()
+    : Command({ "crea-archivio", "crea un archivio dati vuoto in una cartella",
+        "Uso: valorimetrico-cli crea-archivio CARTELLA\n\n"
+        "Crea nella cartella un archivio dati vuoto \"valorimetrico.mdb\", con le sue tabelle.\n"
+        "La cartella è creata se manca; un archivio già presente non è mai sovrascritto.\n",
+        {}, 1, 1 })
+{ }
+
+int CreateDatabaseCommand::run(const Arguments &args, Io &io)
 {
-    if (cli::wantsHelp(args)) {
-        io.out << "Uso: valorimetrico-cli crea-archivio CARTELLA\n\n"
-               << "Crea nella cartella un archivio dati vuoto \"" << kDatabaseFileName
-               << "\", con le sue tabelle.\nLa cartella è creata se manca; un archivio già presente non è mai "
-                  "sovrascritto.\n";
-        return cli::Ok;
-    }
-    if (args.size() != 1 || args.first().isEmpty() || args.first().startsWith(QLatin1Char('-'))) {
-        io.err << "Uso: valorimetrico-cli crea-archivio CARTELLA\n";
-        return cli::Usage;
-    }
-    const QString folder = args.first();
+    const QString folder = args.word(0);
     const QString path = QDir(folder).filePath(QString::fromLatin1(kDatabaseFileName));
     if (!QDir().mkpath(folder)) {
         io.err << "Impossibile creare la cartella " << QDir::toNativeSeparators(folder) << ".\n";
-        return cli::Failure;
+        return Failure;
     }
-    const StoreError error = Database::create(path);
-    if (error.number == ErrAlreadyExists) {
+    const store::StoreError error = store::Database::create(path);
+    if (error.number == store::ErrAlreadyExists) {
         io.err << "L'archivio " << QDir::toNativeSeparators(path) << " esiste già: non lo sovrascrivo.\n";
-        return cli::Failure;
+        return Failure;
     }
     if (error.failed()) {
         io.err << error.message << " (" << error.detail << ")\n";
-        return cli::Failure;
+        return Failure;
     }
     io.out << "Archivio creato: " << QDir::toNativeSeparators(path) << "\n";
-    return cli::Ok;
+    return Ok;
 }
 
-} // namespace vm::store
+} // namespace vm::cli

@@ -1,10 +1,17 @@
 #pragma once
 
-#include "cli/Cli.h"
+#include "cli/Command.h"
 
-namespace vm::store {
+namespace vm::cli {
 
 // valorimetrico-cli crea-archivio CARTELLA: an empty database in the folder, never over an existing file.
-int cmdCreaArchivio(const QStringList &args, cli::Io &io);
+class CreateDatabaseCommand : public Command
+{
+public:
+    CreateDatabaseCommand();
 
-} // namespace vm::store
+protected:
+    int run(const Arguments &args, Io &io) override;
+};
+
+} // namespace vm::cli

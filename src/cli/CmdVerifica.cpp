@@ -1,7 +1,5 @@
 #include "cli/CmdVerifica.h"
 
-#include "cli/CmdSafety.h"
-#include "core/ProgramFolder.h"
 #include "metastock/FolderCheck.h"
 #include "store/Database.h"
 
@@ -9,47 +7,20 @@
 
 namespace vm::cli {
 
-namespace {
+CheckCommand::CheckCommand()
+    : DatabaseCommand({ "verifica", "verifica le cartelle degli archivi MetaStock e scrive il report",
+        "Uso: valorimetrico-cli verifica [--cartella DIR]\n\n"
+        "Verifica le cartelle degli archivi MetaStock del database: per ogni cartella stampa l'esito,\n"
+        "scrive il report MstkTestFiles.txt accanto al database ed esce con 0 se gli archivi sono\n"
+        "compatibili, con 1 se non lo sono o se il database non si apre.\n",
+        {}, 0, 0 })
+{ }
 
-void usage(QTextStream &s)
+int CheckCommand::runWithDatabase(const Arguments &, store::Database &db, const ProgramFolder &folder, Io &io)
 {
-    s << "Uso: valorimetrico-cli verifica [--cartella DIR]\n\n"
-         "Verifica le cartelle degli archivi MetaStock del database: per ogni cartella stampa l'esito,\n"
-         "scrive il report MstkTestFiles.txt accanto al database ed esce con 0 se gli archivi sono\n"
-         "compatibili, con 1 se non lo sono o se il database non si apre.\n";
-}
-
-} // namespace
-
-int cmdVerifica(const QStringList &arguments, Io &io)
-{
-    if (wantsHelp(arguments)) {
-        usage(io.out);
-        return Ok;
-    }
-    QStringList args = arguments;
-    const auto cartella = programFolderOf(args, io);
-    if (!cartella)
-        return Usage;
-    QString errore;
-    if (!args.isEmpty()) {
-        io.err << "Argomento non previsto: " << args.first() << "\n";
-        usage(io.err);
-        return Usage;
-    }
-    if (!cartella->prepare(store::Database::createIfMissing, errore)) {
-        io.err << errore << "\n";
-        return Failure;
-    }
-
-    store::Database db;
-    if (!openDatabase(db, *cartella, io, true))
-        return Failure;
     const std::optional<QStringList> cartelle = db.folders();
-    if (!cartelle) {
-        io.err << store::readFailure(QString::fromUtf8(store::kWhatFolders), db.lastError()) << "\n";
-        return Failure;
-    }
+    if (!cartelle)
+        return readFailure(QString::fromUtf8(store::kWhatFolders), db, io);
     db.close();
     const auto verifica = verificaCartelle(*cartelle);
 
@@ -59,8 +30,9 @@ int cmdVerifica(const QStringList &arguments, Io &io)
     }
     for (const auto &esito : verifica.esiti)
         io.out << esito.testo << "\n";
-    if (!scriviReport(cartella->checkReportPath(), verifica, QDateTime::currentDateTime(), &errore))
-        io.err << "Impossibile scrivere il report " << cartella->checkReportPath() << ": " << errore << "\n";
+    QString errore;
+    if (!scriviReport(folder.checkReportPath(), verifica, QDateTime::currentDateTime(), &errore))
+        io.err << "Impossibile scrivere il report " << folder.checkReportPath() << ": " << errore << "\n";
     if (!verifica.pronti())
         io.err << kArchiviNonCompatibili << "\n";
     if (verifica.titoliNonValidi)
