@@ -105,28 +105,28 @@ class TestFolderCheck : public QObject
     {
         m_db = std::make_unique<store::Database>();
         QVERIFY(m_db->open(database(folders, m_tmp.path())).ok());
-        m_main = vmtest::program().mainWindow();
+        m_main = vm::test::program().mainWindow();
         m_main->setHook(MainWindow::Hook::DossierOverview, [this] { ++m_overviews; });
         m_main->setHook(MainWindow::Hook::QuoteBoard, [] {});
-        registerFolderCheck(*m_main, vmtest::program().context(*m_main, *m_db));
+        registerFolderCheck(*m_main, vm::test::program().context(*m_main, *m_db));
         m_main->show();
     }
 
     QAction *menuItem(const char *name) { return m_main->findChild<QAction *>(QString::fromLatin1(name)); }
-    QString report() { return vmtest::program().state.file(QStringLiteral("MstkTestFiles.txt")); }
+    QString report() { return vm::test::program().state.file(QStringLiteral("MstkTestFiles.txt")); }
 
 private Q_SLOTS:
     void initTestCase()
     {
         QVERIFY(m_tmp.isValid());
-        vmtest::program().setFolder(m_tmp.path());
+        vm::test::program().setFolder(m_tmp.path());
     }
     void init()
     {
         ui::testing::reset();
         m_overviews = 0;
-        vmtest::program().state.ArchiviCompatibili = false;
-        vmtest::program().state.AttributiMaster = 0;
+        vm::test::program().state.ArchiviCompatibili = false;
+        vm::test::program().state.AttributiMaster = 0;
         QFile::remove(report());
     }
     void cleanup()
@@ -189,8 +189,8 @@ private Q_SLOTS:
         QCOMPARE(m_main->progressPanel()->isVisible(), !ready);
         QCOMPARE(m_main->progressBar()->text(), QStringLiteral("100%"));
         QCOMPARE(m_main->cursor().shape(), Qt::ArrowCursor);
-        QCOMPARE(vmtest::program().state.ArchiviCompatibili, problem.compatible);
-        QCOMPARE(vmtest::program().state.AttributiMaster, readOnly ? 1 : 0);
+        QCOMPARE(vm::test::program().state.ArchiviCompatibili, problem.compatible);
+        QCOMPARE(vm::test::program().state.AttributiMaster, readOnly ? 1 : 0);
         QCOMPARE(ui::testing::beeps(), readOnly ? 1 : 0);
 
         // The data commands follow the folders; the dossier itself also wants standard titles.
@@ -201,7 +201,7 @@ private Q_SLOTS:
         QCOMPARE(m_main->windowTitle(),
             problem.compatible ? QStringLiteral("Valorimetrico :: [Dossier-Asset]") : QStringLiteral("Valorimetrico"));
 
-        const QStringList written = QString::fromUtf8(vmtest::readFile(report())).split(QLatin1Char('\n'));
+        const QStringList written = QString::fromUtf8(vm::test::readFile(report())).split(QLatin1Char('\n'));
         QCOMPARE(written.mid(3, problem.report.size()), fill(problem.report));
 
         // Invalid titles are told and their report opened; the dossier key refuses after the check's messages.
@@ -213,7 +213,7 @@ private Q_SLOTS:
         if (!problem.compatible)
             expected << QStringLiteral("Valorimetrico|I dati metastock non sono inseriti da Quotaflusso, questa "
                                        "funzione non è disponibile");
-        QCOMPARE(vmtest::shown(), expected);
+        QCOMPARE(vm::test::shown(), expected);
         QVERIFY(!invalidTitles || ui::testing::messages().first().icon == ui::Icon::Critical);
         // The report's heading with the run's time; the closing block that sends the user to the
         // companion program comes only with invalid titles, and nothing follows it.
@@ -233,7 +233,7 @@ private Q_SLOTS:
     void checkAgainFromTheToolbar()
     {
         start({});
-        vmtest::program().state.ArchiviCompatibili = true;
+        vm::test::program().state.ArchiviCompatibili = true;
         m_main->folderList()->addItem(QStringLiteral("earlier"));
         m_main->VerificaDirMS();
         QCOMPARE(ui::testing::messages().size(), 1);
@@ -244,7 +244,7 @@ private Q_SLOTS:
             m.text.startsWith(QStringLiteral("Le cartelle metastock non sono inserite, per l'uso del programma\n")));
         QVERIFY(!QFile::exists(report()));
         QCOMPARE(items(m_main->folderList()), QStringList { QStringLiteral("earlier") });
-        QVERIFY(vmtest::program().state.ArchiviCompatibili);
+        QVERIFY(vm::test::program().state.ArchiviCompatibili);
         QVERIFY(!menuItem("m_dossier")->isEnabled());
 
         const QString good = folder(QStringLiteral("ready"));
@@ -265,7 +265,7 @@ private Q_SLOTS:
             (QStringList { QStringLiteral("Cartella %1 metastock non trovata").arg(good), kNotCompatible }));
         QVERIFY(m_main->progressPanel()->isVisible());
         QVERIFY(!menuItem("m_dossier")->isEnabled());
-        QVERIFY(vmtest::program().state.ArchiviCompatibili);
+        QVERIFY(vm::test::program().state.ArchiviCompatibili);
         QCOMPARE(m_main->statusPanel(1)->text(), kStatusError);
         QVERIFY(QFile::exists(report()));
     }

@@ -64,12 +64,12 @@ private Q_SLOTS:
     {
         testing::reset();
         QFile::remove(m_folder.filePath(QStringLiteral("valorimetrico.ini")));
-        vmtest::program().setFolder(m_folder.path());
-        vmtest::program().state.DossierProtetto = false;
-        vmtest::program().state.ArchiviCompatibili = false;
-        m_window = vmtest::program().mainWindow();
+        vm::test::program().setFolder(m_folder.path());
+        vm::test::program().state.DossierProtetto = false;
+        vm::test::program().state.ArchiviCompatibili = false;
+        m_window = vm::test::program().mainWindow();
         // The hand-overs to the desktop are the auxiliary subsystem's; they read no database.
-        vm::aux::registerWindows(vmtest::program().context(*m_window, m_unopened));
+        vm::aux::registerWindows(vm::test::program().context(*m_window, m_unopened));
         m_window->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
     }
@@ -130,7 +130,7 @@ private Q_SLOTS:
         QStringList icons;
         for (const bool isProtected : { true, false }) {
             m_window->setDossierProtected(isProtected);
-            QCOMPARE(vmtest::program().state.DossierProtetto, isProtected);
+            QCOMPARE(vm::test::program().state.DossierProtetto, isProtected);
             QCOMPARE(m_window->statusBar()->toolTip(),
                 isProtected ? QStringLiteral("Accesso dossier titoli protetto")
                             : QStringLiteral("Accesso dossier titoli non protetto"));
@@ -169,13 +169,13 @@ private Q_SLOTS:
     void chartSettings()
     {
         QFETCH(Choice, row);
-        QSignalSpy quoteRedraw(&vmtest::program().events, &vm::DataEvents::quoteChartSettingsChanged);
+        QSignalSpy quoteRedraw(&vm::test::program().events, &vm::DataEvents::quoteChartSettingsChanged);
         QAction *last = nullptr;
         for (const QString &name : QString::fromLatin1(row.items).split(u',')) {
             QVERIFY((last = item(name)));
             last->trigger();
         }
-        const QString ini = vmtest::program().settings.path(), key = QString::fromLatin1(row.key);
+        const QString ini = vm::test::program().settings.path(), key = QString::fromLatin1(row.key);
         const bool history = row.section == std::string_view("GraficoStorico");
         QCOMPARE(vm::readIni(ini, QString::fromLatin1(row.section), key, u"<none>"), QString::fromLatin1(row.value));
         QCOMPARE(vm::readIni(ini, history ? u"Grafico" : u"GraficoStorico", key, u"<none>"), QStringLiteral("<none>"));
@@ -185,7 +185,7 @@ private Q_SLOTS:
 
     void titleSelectorTagRule()
     {
-        QSignalSpy chosen(&vmtest::program().events, &vm::DataEvents::dossierTitleChosen);
+        QSignalSpy chosen(&vm::test::program().events, &vm::DataEvents::dossierTitleChosen);
         m_window->fillTitles(vm::TitleSelector::Dossier, { "ENEL", "ENI", "FIAT" });
         QCOMPARE(chosen.size(), 0);
         QCOMPARE(m_window->dossierTitles()->property("tag").toString(), QString());
@@ -207,9 +207,9 @@ private Q_SLOTS:
         qputenv("PATH", bin.path().toLocal8Bit());
         m_window->button(4, QStringLiteral("calc"))->trigger();
         item(QStringLiteral("m_run_quotaflusso"))->trigger(); // the default path is a Windows one
-        QCOMPARE(vmtest::shown().size(), 2);
-        QCOMPARE(vmtest::shown().first().section(QLatin1Char('|'), 0, 0), QStringLiteral("Calcolatrice"));
-        QCOMPARE(vmtest::shown().last(), QStringLiteral("Avvia Quotaflusso|File non trovato."));
+        QCOMPARE(vm::test::shown().size(), 2);
+        QCOMPARE(vm::test::shown().first().section(QLatin1Char('|'), 0, 0), QStringLiteral("Calcolatrice"));
+        QCOMPARE(vm::test::shown().last(), QStringLiteral("Avvia Quotaflusso|File non trovato."));
         QVERIFY(testing::startedPrograms().isEmpty());
 
         testing::reset();
@@ -218,7 +218,7 @@ private Q_SLOTS:
             QVERIFY(f.open(QIODevice::WriteOnly));
             f.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         }
-        vm::ScriviIni(vmtest::program().settings.path(), u"Strumenti", u"Quotaflusso",
+        vm::ScriviIni(vm::test::program().settings.path(), u"Strumenti", u"Quotaflusso",
             bin.filePath(QStringLiteral("quotaflusso.exe")));
         m_window->button(4, QStringLiteral("calc"))->trigger();
         item(QStringLiteral("m_run_quotaflusso"))->trigger();
@@ -236,13 +236,13 @@ private Q_SLOTS:
         QVERIFY(!compact->isEnabled());
         m_window->setCompactor([] { return std::optional<QString>(QStringLiteral("Errore 3356")); });
         compact->trigger();
-        QCOMPARE(vmtest::shown(), QStringList { "Valorimetrico|Errore 3356" });
+        QCOMPARE(vm::test::shown(), QStringList { "Valorimetrico|Errore 3356" });
         QVERIFY(m_window->isVisible());
         for (const auto answer : { QMessageBox::No, QMessageBox::Yes }) {
             testing::reset();
             testing::setNextAnswer(answer);
             item(QStringLiteral("m_exit_prog"))->trigger();
-            QCOMPARE(vmtest::shown(), QStringList { "Uscita dal programma|Confermi l'uscita?" });
+            QCOMPARE(vm::test::shown(), QStringList { "Uscita dal programma|Confermi l'uscita?" });
             QCOMPARE(testing::messages().first().buttons, QMessageBox::Yes | QMessageBox::No);
             QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Exclamation);
             QCOMPARE(m_window->isVisible(), answer == QMessageBox::No);

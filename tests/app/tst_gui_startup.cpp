@@ -22,8 +22,8 @@ class TestStartup : public QObject
     int m_folderChecks = 0;
 
     QString file(const char *name) const { return m_folder->filePath(QString::fromLatin1(name)); }
-    QByteArray contents(const char *name) const { return vmtest::readFile(file(name)); }
-    void writeFile(const char *name, const QByteArray &bytes) const { vmtest::writeFile(file(name), bytes); }
+    QByteArray contents(const char *name) const { return vm::test::readFile(file(name)); }
+    void writeFile(const char *name, const QByteArray &bytes) const { vm::test::writeFile(file(name), bytes); }
     // An Italian system with a 1024-pixel screen and a database.
     vm::StartupEnvironment environment()
     {
@@ -97,8 +97,8 @@ private Q_SLOTS:
         Startup startup(env);
         QVERIFY(!startup.Main());
         QVERIFY(!startup.mainWindow());
-        QCOMPARE(vmtest::shown().size(), 1);
-        QCOMPARE(vmtest::shown().first().section(QLatin1Char('\n'), 0, 0), shown);
+        QCOMPARE(vm::test::shown().size(), 1);
+        QCOMPARE(vm::test::shown().first().section(QLatin1Char('\n'), 0, 0), shown);
         QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Critical);
         QCOMPARE(testing::beeps(), beeps);
         QCOMPARE(m_folderChecks, 0);
@@ -144,7 +144,7 @@ private Q_SLOTS:
         }
         QCOMPARE(startup.mainWindow()->progressPanel()->isVisible(), !splash);
         QCOMPARE(m_folderChecks, splash ? 0 : 1);
-        QCOMPARE(vmtest::shown(),
+        QCOMPARE(vm::test::shown(),
             warns ? QStringList { "Verifica le impostazioni Internazionali|Le impostazioni Internazionali sono da "
                                   "impostare alla lingua italiana. Pannello di controllo" }
                   : QStringList {});
@@ -170,7 +170,7 @@ private Q_SLOTS:
         QAction *compact = startup.mainWindow()->findChild<QAction *>(QStringLiteral("m_dati_compatta"));
         compact->trigger();
         compact->trigger();
-        QCOMPARE(vmtest::shown(), QStringList(2, "Valorimetrico|Database compattato."));
+        QCOMPARE(vm::test::shown(), QStringList(2, "Valorimetrico|Database compattato."));
         QVERIFY(startup.database().isOpen());
         QVERIFY(!QFile::exists(file("temp.mdb")));
         // Each compaction kept the database as it was before it.
@@ -191,7 +191,7 @@ private Q_SLOTS:
             QCOMPARE(QDir(file("backup")).entryList(QDir::Files), day);
         }
         QVERIFY(!QFile::exists(file("valorimetrico.ini.Ab12Cd")));
-        QCOMPARE(vmtest::shown(), QStringList());
+        QCOMPARE(vm::test::shown(), QStringList());
     }
 
     // A program folder that cannot be written is said at start-up; the program goes on, showing the data.
@@ -205,7 +205,7 @@ private Q_SLOTS:
         QVERIFY(started);
         QVERIFY(startup.mainWindow()->isVisible());
         QVERIFY(startup.database().isReadOnly());
-        QCOMPARE(vmtest::shown(),
+        QCOMPARE(vm::test::shown(),
             QStringList { QStringLiteral("Valorimetrico|") + QString::fromUtf8(vm::kReadOnlyMessage) });
         QVERIFY(!QDir(file("backup")).exists());
     }

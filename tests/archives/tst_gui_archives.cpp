@@ -4,7 +4,7 @@
 #include "archives/ArchivesWindows.h"
 #include "gui/ProgressBar.h"
 #include "store/Database.h"
-#include "support/ArchiviProva.h"
+#include "support/Fixture.h"
 #include "support/RawSql.h"
 #include "support/TestSupport.h"
 
@@ -14,7 +14,7 @@
 using vm::archives::ArchiveFoldersWindow;
 using vm::archives::ArchiveSearchWindow;
 namespace testing = vm::ui::testing;
-using vmtest::child;
+using vm::test::child;
 
 namespace {
 
@@ -23,7 +23,7 @@ void archive(const QString &folder, bool marked, const QStringList &symbols = { 
     QDir().mkpath(folder);
     QList<vm::metastock::TitoloArchivio> titles;
     for (const QString &s : symbols) {
-        auto t = prova::titolo(s, s + QStringLiteral(" SPA"), 7, quotes);
+        auto t = vm::test::archiveTitle(s, s + QStringLiteral(" SPA"), 7, quotes);
         titles << t;
     }
     vm::metastock::OpzioniArchivio options;
@@ -86,9 +86,9 @@ private Q_SLOTS:
         QVERIFY(!vm::store::Database::create(m_dbPath).failed());
         m_db = std::make_unique<vm::store::Database>();
         QVERIFY(m_db->open(m_dbPath).ok());
-        vmtest::program().setFolder(m_tmp.path());
-        m_main = vmtest::program().mainWindow();
-        vm::archives::registerWindows(vmtest::program().context(*m_main, *m_db));
+        vm::test::program().setFolder(m_tmp.path());
+        m_main = vm::test::program().mainWindow();
+        vm::archives::registerWindows(vm::test::program().context(*m_main, *m_db));
     }
     void cleanup()
     {
@@ -141,7 +141,7 @@ private Q_SLOTS:
         QCOMPARE(f->dir1Path(), QDir::cleanPath(folder));
         click(f, "Command1");
         QCOMPARE(lines(list4(f)), after);
-        QCOMPARE(vmtest::shown(), QStringList { shown });
+        QCOMPARE(vm::test::shown(), QStringList { shown });
         // Nothing reaches the table before "Salva".
         QCOMPARE(*m_db->folders(), stored);
     }
@@ -187,7 +187,7 @@ private Q_SLOTS:
         else
             click(f, "Command2");
         QCOMPARE(lines(list4(f)), left);
-        QCOMPARE(vmtest::shown(), question.isEmpty() ? QStringList {} : QStringList { question });
+        QCOMPARE(vm::test::shown(), question.isEmpty() ? QStringList {} : QStringList { question });
         QCOMPARE(*m_db->folders(), stored);
     }
 
@@ -214,7 +214,7 @@ private Q_SLOTS:
             testing::setNextAnswer(QMessageBox::Yes);
             click(f, "Command2");
         }
-        QSignalSpy announced(&vmtest::program().events, &vm::DataEvents::foldersChanged);
+        QSignalSpy announced(&vm::test::program().events, &vm::DataEvents::foldersChanged);
         click(f, "Command3");
         QCOMPARE(announced.size(), 1);
         QCOMPARE(*m_db->folders(), saved);
@@ -231,7 +231,7 @@ private Q_SLOTS:
         const QString good = dir("altro") + "/", gone = dir("sparita") + "/", old = dir("vecchio") + "/";
         const QString noDrive = QStringLiteral("/mnt/valorimetrico-assente/ms/");
         ArchiveFoldersWindow *f = openForm2({ good, noDrive, gone, old });
-        QCOMPARE(vmtest::shown(), QStringList { "Valorimetrico|Disco /mnt/valorimetrico-assente non trovato" });
+        QCOMPARE(vm::test::shown(), QStringList { "Valorimetrico|Disco /mnt/valorimetrico-assente non trovato" });
         QCOMPARE(testing::beeps(), 1);
         QTreeWidget *folders = list4(f);
         QVERIFY(folders->topLevelItem(0)->toolTip(0).endsWith(" pronta"));
@@ -246,8 +246,8 @@ private Q_SLOTS:
         testing::reset();
         folders->setCurrentItem(folders->topLevelItem(3));
         QCOMPARE(state->text(), old + " non compatibile..");
-        QCOMPARE(vmtest::shown().size(), 1);
-        QVERIFY(vmtest::shown().first().contains("non sono aggiornati con il programma Quotaflusso,"));
+        QCOMPARE(vm::test::shown().size(), 1);
+        QVERIFY(vm::test::shown().first().contains("non sono aggiornati con il programma Quotaflusso,"));
         QCOMPARE(lines(titles, 1), QStringList { "TIM" });
 
         folders->setCurrentItem(folders->topLevelItem(0));
@@ -312,8 +312,8 @@ private Q_SLOTS:
         m_db->close();
         m_main->findChild<QAction *>(QStringLiteral("ms"))->trigger();
         ArchiveFoldersWindow *f = ArchiveFoldersWindow::instance();
-        QCOMPARE(vmtest::shown().size(), 1);
-        QVERIFY(vmtest::shown().first().contains("Impossibile leggere l'elenco delle cartelle MetaStock"));
+        QCOMPARE(vm::test::shown().size(), 1);
+        QVERIFY(vm::test::shown().first().contains("Impossibile leggere l'elenco delle cartelle MetaStock"));
         QCOMPARE(list4(f)->topLevelItemCount(), 0);
         QVERIFY(!child<QPushButton>(f, "Command3")->isEnabled());
         QVERIFY(m_db->open(m_dbPath).ok());
@@ -342,7 +342,7 @@ private Q_SLOTS:
         child<QRadioButton>(s, compatibleOnly ? "Option1" : "Option2")->setChecked(true);
         testing::reset();
         click(s, "Command1");
-        QCOMPARE(vmtest::shown(), QStringList { "Ricerca archivi metastock|Fine ricerca cartelle metastock" });
+        QCOMPARE(vm::test::shown(), QStringList { "Ricerca archivi metastock|Fine ricerca cartelle metastock" });
         auto *list = child<QListWidget>(s, "List1");
         QStringList shown;
         for (int i = 0; i < list->count(); ++i)
@@ -369,7 +369,7 @@ private Q_SLOTS:
         click(s, "Command1");
         QVERIFY(s->search().fermata());
         QVERIFY(s->search().cartelleVisitate() < 10);
-        QCOMPARE(vmtest::shown(), QStringList {});
+        QCOMPARE(vm::test::shown(), QStringList {});
         QTRY_VERIFY(!ArchiveSearchWindow::instance());
     }
 };

@@ -14,7 +14,7 @@
 using vm::aux::SplashWindow;
 using vm::aux::ToolsWindow;
 namespace testing = vm::ui::testing;
-using vmtest::child;
+using vm::test::child;
 
 class TestGuiAuxiliary : public QObject
 {
@@ -30,7 +30,7 @@ class TestGuiAuxiliary : public QObject
     static QString ticks(SplashWindow *f) { return child<QLabel>(f, "Label7")->text(); }
     static QString ini(const char16_t *section, const char16_t *key)
     {
-        return vm::readIni(vmtest::program().settings.path(), section, key, u"<none>");
+        return vm::readIni(vm::test::program().settings.path(), section, key, u"<none>");
     }
     void trigger(const char *action) { child<QAction>(m_main.get(), action)->trigger(); }
 
@@ -38,10 +38,10 @@ private Q_SLOTS:
     void init()
     {
         testing::reset();
-        vmtest::program().setFolder(m_folder.path());
-        m_main = vmtest::program().mainWindow();
+        vm::test::program().setFolder(m_folder.path());
+        m_main = vm::test::program().mainWindow();
         m_db = std::make_unique<vm::store::Database>();
-        vm::aux::registerWindows(vmtest::program().context(*m_main, *m_db));
+        vm::aux::registerWindows(vm::test::program().context(*m_main, *m_db));
         m_checks = 0;
         m_main->setHook(vm::MainWindow::Hook::FolderCheck, [this] {
             ++m_checks;
@@ -68,7 +68,7 @@ private Q_SLOTS:
     void startupSplash()
     {
         QFETCH(bool, closeButton);
-        QPointer<SplashWindow> f = SplashWindow::load(vmtest::program().settings, m_main.get());
+        QPointer<SplashWindow> f = SplashWindow::load(vm::test::program().settings, m_main.get());
         f->attach(m_main.get(), [this] { m_main->VerificaDirMS(); });
         f->setTag(QStringLiteral("X"));
         f->show();
@@ -101,13 +101,13 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, text);
         QFETCH(bool, checkedAtLoad);
-        vmtest::writeFile(vmtest::program().settings.path(), text);
+        vm::test::writeFile(vm::test::program().settings.path(), text);
         trigger("m_autore");
         SplashWindow *f = SplashWindow::instance();
         QVERIFY(f && f->isVisible());
         auto *box = child<QCheckBox>(f, "Check1");
         QCOMPARE(box->isChecked(), checkedAtLoad);
-        QCOMPARE(QFile::exists(vmtest::program().settings.path()), !text.isEmpty());
+        QCOMPARE(QFile::exists(vm::test::program().settings.path()), !text.isEmpty());
         box->click();
         QCOMPARE(ini(u"Opzioni", u"Splash"), checkedAtLoad ? u"0" : u"1");
         box->click();
@@ -151,13 +151,13 @@ private Q_SLOTS:
         QFETCH(QString, field);
         QFETCH(QString, picked);
         QFETCH(QString, stored);
-        vmtest::writeFile(vmtest::program().settings.path(), text);
+        vm::test::writeFile(vm::test::program().settings.path(), text);
         trigger("m_strumenti_impostazioni");
         ToolsWindow *f = ToolsWindow::instance();
         QVERIFY(f && f->isVisible());
         auto *path = child<QLineEdit>(f, "Text1");
         QCOMPARE(path->text(), field);
-        QCOMPARE(QFile::exists(vmtest::program().settings.path()), !text.isEmpty());
+        QCOMPARE(QFile::exists(vm::test::program().settings.path()), !text.isEmpty());
 
         testing::setNextPath(picked);
         QTest::mouseClick(child<QPushButton>(f, "Command2"), Qt::LeftButton);
@@ -165,7 +165,7 @@ private Q_SLOTS:
         QCOMPARE(ini(u"Strumenti", u"Quotaflusso"), stored);
         const bool refused = !picked.isEmpty() && stored == QLatin1String("<none>");
         QCOMPARE(path->text(), refused || picked.isEmpty() ? field : stored);
-        QCOMPARE(vmtest::shown(),
+        QCOMPARE(vm::test::shown(),
             refused ? QStringList { "Avvio programma Quotaflusso|Il programma Quotaflusso non è stato selezionato." }
                     : QStringList {});
         QVERIFY(!refused || path->selectedText() == field);

@@ -15,7 +15,7 @@
 using vm::aux::HelpViewerWindow;
 using vm::aux::HtmlHelp;
 namespace testing = vm::ui::testing;
-using vmtest::child;
+using vm::test::child;
 
 class TestGuiHelp : public QObject
 {
@@ -36,8 +36,8 @@ private Q_SLOTS:
     void initTestCase()
     {
         HelpViewerWindow::setCollectionFolder(m_tmp.path() + "/guida");
-        vmtest::program().setFolder(m_tmp.path());
-        m_helpFile = vm::aux::fileProgramma(vm::aux::kFileGuida, vmtest::program().state);
+        vm::test::program().setFolder(m_tmp.path());
+        m_helpFile = vm::aux::fileProgramma(vm::aux::kFileGuida, vm::test::program().state);
         if (m_helpFile.isEmpty())
             QSKIP("the help file is not built");
         const QString db = m_tmp.path() + "/valorimetrico.mdb";
@@ -48,8 +48,8 @@ private Q_SLOTS:
     void init()
     {
         testing::reset();
-        m_main = vmtest::program().mainWindow();
-        vm::registerWindows(*m_main, vmtest::program().context(*m_main, *m_db));
+        m_main = vm::test::program().mainWindow();
+        vm::registerWindows(*m_main, vm::test::program().context(*m_main, *m_db));
         m_main->show();
         QVERIFY(QTest::qWaitForWindowExposed(m_main.get()));
     }
@@ -103,7 +103,7 @@ private Q_SLOTS:
             QVERIFY(target);
             QTest::keyClick(target, Qt::Key_F1);
         }
-        QCOMPARE(vmtest::shown(), QStringList {});
+        QCOMPARE(vm::test::shown(), QStringList {});
         QCOMPARE(page(), expected);
         QVERIFY(HelpViewerWindow::instance()->isVisible());
         QVERIFY(!HelpViewerWindow::instance()->pageTitle().isEmpty());
@@ -208,7 +208,7 @@ private Q_SLOTS:
         if (!path.isEmpty()) {
             QDir().mkpath(m_tmp.path() + "/" + path);
             if (path == "bin") {
-                vmtest::writeFile(m_tmp.path() + "/bin/xcalc", "#!/bin/sh\n");
+                vm::test::writeFile(m_tmp.path() + "/bin/xcalc", "#!/bin/sh\n");
                 QFile::setPermissions(m_tmp.path() + "/bin/xcalc", QFile::ReadOwner | QFile::ExeOwner);
             }
             qputenv("PATH", QFile::encodeName(m_tmp.path() + "/" + path));
@@ -223,7 +223,7 @@ private Q_SLOTS:
         QCOMPARE(got.size(), handed.isEmpty() ? 0 : 1);
         if (!handed.isEmpty())
             QVERIFY2(got.first().endsWith(handed), qPrintable(got.first()));
-        QCOMPARE(vmtest::shown(), shown.isEmpty() ? QStringList {} : QStringList { shown });
+        QCOMPARE(vm::test::shown(), shown.isEmpty() ? QStringList {} : QStringList { shown });
     }
 
     // Without the help file every operation says so and no viewer opens.
@@ -232,7 +232,7 @@ private Q_SLOTS:
         HtmlHelp help(m_main.get(), m_tmp.path() + "/assente/valorimetrico.qch::/dossier.html");
         QVERIFY(!help.DisplayTopic());
         QVERIFY(!help.DisplayIndex());
-        QCOMPARE(vmtest::shown(), QStringList(2, "Help non trovato|File Help di valorimetrico non trovato."));
+        QCOMPARE(vm::test::shown(), QStringList(2, "Help non trovato|File Help di valorimetrico non trovato."));
         QCOMPARE(testing::messages().first().icon, vm::ui::Icon::Exclamation);
         QVERIFY(!HelpViewerWindow::instance());
     }

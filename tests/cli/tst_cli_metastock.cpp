@@ -1,4 +1,4 @@
-#include "support/ArchiviProva.h"
+#include "support/Fixture.h"
 
 #include <QProcess>
 #include <QTemporaryDir>
@@ -13,10 +13,10 @@ class TstCliMetastock : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        TitoloArchivio virgola = prova::titolo("V,1", "Ca' \"B\", Spa", 5, 0);
+        TitoloArchivio virgola = vm::test::archiveTitle("V,1", "Ca' \"B\", Spa", 5, 0);
         virgola.quote = { { QDate(2000, 1, 1), 0, std::nullopt, 1.5f, 0.000123f, 0.1f, 1e7f, std::nullopt } };
         virgola.numeroFile = 255;
-        TitoloArchivio citta = prova::titolo("  CIT", "CITTÀ", 7, 0);
+        TitoloArchivio citta = vm::test::archiveTitle("  CIT", "CITTÀ", 7, 0);
         citta.quote = { { QDate(1999, 12, 31), 0, 1.0f, 2.0f, -0.5f, 96.438f, 123456.0f, 1.25f } };
         citta.quote.append(citta.quote[0]);
         citta.quote[1].data = QDate(2030, 12, 31);
@@ -24,8 +24,8 @@ private Q_SLOTS:
         const QDir dir(m_dir.path());
         QVERIFY(dir.mkpath("a") && dir.mkpath("b") && dir.mkpath("x"));
         QVERIFY(scriviArchivio(dir.filePath("a"), { virgola, citta }, { false, true, '\0', 255 }));
-        QVERIFY(scriviArchivio(
-            dir.filePath("b"), { prova::titolo("M", "Emme"), prova::titolo("X", "Ics", 6) }, { true, false, ' ', 1 }));
+        QVERIFY(scriviArchivio(dir.filePath("b"),
+            { vm::test::archiveTitle("M", "Emme"), vm::test::archiveTitle("X", "Ics", 6) }, { true, false, ' ', 1 }));
     }
 
     void esiti_data()

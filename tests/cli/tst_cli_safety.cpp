@@ -4,7 +4,7 @@
 #include "cli/Cli.h"
 #include "store/Backup.h"
 #include "store/Database.h"
-#include "support/ArchiviProva.h"
+#include "support/Fixture.h"
 #include "support/RawSql.h"
 
 #include <QDir>
@@ -73,9 +73,10 @@ private Q_SLOTS:
     {
         m_dir = std::make_unique<QTemporaryDir>();
         QVERIFY(QDir().mkpath(program()) && QDir().mkpath(archive('a')) && QDir().mkpath(archive('b')));
-        QVERIFY(metastock::scriviArchivio(archive('a'), { prova::titolo("UNO", "Uno"), prova::titolo("DUE", "Due") }));
         QVERIFY(metastock::scriviArchivio(
-            archive('b'), { prova::titolo("TRE", "Tre"), prova::titolo("QUATTRO", "Quattro") }));
+            archive('a'), { vm::test::archiveTitle("UNO", "Uno"), vm::test::archiveTitle("DUE", "Due") }));
+        QVERIFY(metastock::scriviArchivio(
+            archive('b'), { vm::test::archiveTitle("TRE", "Tre"), vm::test::archiveTitle("QUATTRO", "Quattro") }));
         QVERIFY(!store::Database::create(database()).failed());
         store::Database db;
         QVERIFY(db.open(database()).ok() && db.replaceFolders({ archive('a'), archive('b') }));

@@ -1,3 +1,4 @@
+#include "core/ChartRange.h"
 #include "core/Format.h"
 
 #include <QtTest>
@@ -130,6 +131,36 @@ private Q_SLOTS:
             QCOMPARE(vm::parseDate(text), row.date);
             QCOMPARE(vm::parseDate(QStringLiteral(" %1 ").arg(text)), row.date);
         }
+    }
+
+    // Every chart's value axis: a margin beyond the data, never below zero for data that are not negative,
+    // bars from zero, a flat series centred.
+    void chartRange_data()
+    {
+        QTest::addColumn<double>("minimum");
+        QTest::addColumn<double>("maximum");
+        QTest::addColumn<bool>("fromZero");
+        QTest::addColumn<double>("low");
+        QTest::addColumn<double>("high");
+        QTest::newRow("prices") << 10.0 << 30.0 << false << 9.0 << 31.0;
+        QTest::newRow("near zero stays at zero") << 0.5 << 30.0 << false << 0.0 << 31.475;
+        QTest::newRow("losses go below zero") << -20.0 << 20.0 << false << -22.0 << 22.0;
+        QTest::newRow("bars from zero") << 10.0 << 30.0 << true << 0.0 << 31.0;
+        QTest::newRow("negative bars reach zero") << -30.0 << -10.0 << true << -31.0 << 0.0;
+        QTest::newRow("flat series centred") << 2.0 << 2.0 << false << 1.89 << 2.11;
+        QTest::newRow("flat zero") << 0.0 << 0.0 << false << 0.0 << 0.0055;
+        QTest::newRow("extremes swapped") << 30.0 << 10.0 << false << 9.0 << 31.0;
+    }
+    void chartRange()
+    {
+        QFETCH(double, minimum);
+        QFETCH(double, maximum);
+        QFETCH(bool, fromZero);
+        QFETCH(double, low);
+        QFETCH(double, high);
+        const vm::ChartRange r = vm::chartRange(minimum, maximum, fromZero);
+        QCOMPARE(qRound64(r.minimum * 10000), qRound64(low * 10000));
+        QCOMPARE(qRound64(r.maximum * 10000), qRound64(high * 10000));
     }
 };
 

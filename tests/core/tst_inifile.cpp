@@ -82,7 +82,7 @@ private Q_SLOTS:
         QFETCH(QString, key);
         QFETCH(QString, defaultValue);
         QFETCH(QString, expected);
-        vmtest::writeFile(path(), file);
+        vm::test::writeFile(path(), file);
         QCOMPARE(vm::readIni(path(), section, key, defaultValue), expected);
     }
 
@@ -123,12 +123,12 @@ private Q_SLOTS:
     {
         QFETCH(Write, row);
         const QString value = QString::fromUtf8(row.value);
-        vmtest::writeFile(path(), QByteArray(row.before));
+        vm::test::writeFile(path(), QByteArray(row.before));
         vm::EsitoScritturaIni = row.after ? 0 : 1;
         QCOMPARE(vm::ScriviIni(path(), QString::fromLatin1(row.section), QString::fromLatin1(row.key), value),
             row.after != nullptr);
         QCOMPARE(vm::EsitoScritturaIni, qint16(row.after ? 1 : 0));
-        QCOMPARE(vmtest::readFile(path()), QByteArray(row.after ? row.after : row.before));
+        QCOMPARE(vm::test::readFile(path()), QByteArray(row.after ? row.after : row.before));
         if (row.after)
             QCOMPARE(vm::readIni(path(), u"S", u"k", u"?"), value);
     }
@@ -142,7 +142,7 @@ private Q_SLOTS:
         const QString huge = dir.filePath(QStringLiteral("grande.ini"));
         QByteArray big("[S]\nk=1\n");
         big.append(5 * 1024 * 1024, ';');
-        vmtest::writeFile(huge, big);
+        vm::test::writeFile(huge, big);
 
         for (const QString &file : { folder, missing, huge }) {
             QCOMPARE(vm::readIni(file, u"S", u"k", u"d"), QStringLiteral("d"));
@@ -150,7 +150,7 @@ private Q_SLOTS:
             QVERIFY(!vm::ScriviIni(file, u"S", u"k", u"2"));
             QCOMPARE(vm::EsitoScritturaIni, qint16(0));
         }
-        QCOMPARE(vmtest::readFile(huge), big);
+        QCOMPARE(vm::test::readFile(huge), big);
         QVERIFY(!QFileInfo::exists(missing));
     }
 
@@ -199,7 +199,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, contents);
         QFETCH(int, error);
         QFETCH(QList<double>, values);
-        vmtest::writeFile(path(), contents);
+        vm::test::writeFile(path(), contents);
         const auto chart = vm::LeggiImpostazioniGrafico(path());
         QCOMPARE(chart.error, error);
         const auto &s = chart.value;

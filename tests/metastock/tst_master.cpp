@@ -1,4 +1,4 @@
-#include "support/ArchiviProva.h"
+#include "support/Fixture.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -20,9 +20,9 @@ private Q_SLOTS:
         QTest::addColumn<bool>("danneggiata");
         QList<QByteArray> r;
         for (int i = 0; i < 300; ++i)
-            r.append(recordMasterArchivio(prova::titolo(QStringLiteral("S%1").arg(i), "N"), i, {}));
+            r.append(recordMasterArchivio(vm::test::archiveTitle(QStringLiteral("S%1").arg(i), "N"), i, {}));
         const QByteArray tre = datiMasterArchivio(r.mid(0, 3), 3);
-        const QByteArray x = datiXMasterArchivio({ recordXMasterArchivio(prova::titolo("X", "X"), 256) }, 257);
+        const QByteArray x = datiXMasterArchivio({ recordXMasterArchivio(vm::test::archiveTitle("X", "X"), 256) }, 257);
 
         // The titles that are there are read; the folder is damaged when its bytes fall short of its counts.
         QTest::newRow("empty MASTER") << QByteArray() << QByteArray() << 0 << true;
@@ -75,9 +75,9 @@ private Q_SLOTS:
         QFETCH(QString, cartelle);
         QFETCH(QString, simbolo);
         QFETCH(QString, atteso);
-        static const QString a
-            = cartella({ prova::titolo("ALFA", "A"), prova::titolo("DUP", "A"), prova::titolo("PAD  ", "") });
-        static const QString b = cartella({ prova::titolo("SOLOB", "B"), prova::titolo("DUP", "B") });
+        static const QString a = cartella({ vm::test::archiveTitle("ALFA", "A"), vm::test::archiveTitle("DUP", "A"),
+            vm::test::archiveTitle("PAD  ", "") });
+        static const QString b = cartella({ vm::test::archiveTitle("SOLOB", "B"), vm::test::archiveTitle("DUP", "B") });
         QStringList percorsi;
         for (const QChar c : cartelle)
             percorsi.append(c == u'a' ? a : c == u'b' ? b : m_radice.filePath("-"));
@@ -94,9 +94,9 @@ private Q_SLOTS:
 
     void cercaPerLettera()
     {
-        const QString a = cartella({ prova::titolo("A1", "acea"), prova::titolo("B1", "Banca"),
-            prova::titolo("A2", "  Alfa", 5), prova::titolo("E", "") });
-        const QString b = cartella({ prova::titolo("A3", "Anima") });
+        const QString a = cartella({ vm::test::archiveTitle("A1", "acea"), vm::test::archiveTitle("B1", "Banca"),
+            vm::test::archiveTitle("A2", "  Alfa", 5), vm::test::archiveTitle("E", "") });
+        const QString b = cartella({ vm::test::archiveTitle("A3", "Anima") });
         const QString manca = m_radice.filePath("manca");
         QStringList mancanti;
         QList<int> passi;
@@ -134,7 +134,7 @@ private Q_SLOTS:
         QFETCH(EsitoEliminazione::Stato, stato);
         QList<TitoloArchivio> titoli;
         for (const QString &s : simboli)
-            titoli.append(prova::titolo(s.split(u':').last(), "Nome"));
+            titoli.append(vm::test::archiveTitle(s.split(u':').last(), "Nome"));
         const QString percorso = cartella(titoli, { true, true, ' ', int(simboli.filter("x:").isEmpty() ? 255 : 1) });
         const auto leggi = [&] {
             QFile f(percorso + "/master");
@@ -201,7 +201,7 @@ private Q_SLOTS:
         const auto quote = leggiStoria(c.percorsoPrezzi(*t), t->campi);
         QVERIFY(quote && !quote->isEmpty());
         QCOMPARE(QStringLiteral("%1 %2 %3 %4")
-                     .arg(prova::descrivi(*t))
+                     .arg(vm::test::describe(*t))
                      .arg(quote->size())
                      .arg(quote->last().data.toString(Qt::ISODate), testoFloatCsv(quote->last().chiusura)),
             atteso);

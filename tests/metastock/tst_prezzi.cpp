@@ -1,6 +1,6 @@
 #include "core/Testo1252.h"
 #include "metastock/Mbf.h"
-#include "support/ArchiviProva.h"
+#include "support/Fixture.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -100,7 +100,8 @@ private Q_SLOTS:
     void ultimeQuote()
     {
         for (const int campi : { 5, 6, 7 }) {
-            const QByteArray intero = datiPrezziArchivio(prova::quote(6, QDate(1999, 12, 30), 1.0f, campi), campi);
+            const QByteArray intero
+                = datiPrezziArchivio(vm::test::dailyQuotes(6, QDate(1999, 12, 30), 1.0f, campi), campi);
             const QString percorso = m_dir.filePath(QStringLiteral("taglio%1.dat").arg(campi));
             for (qsizetype lunghezza = 0; lunghezza <= intero.size(); ++lunghezza) {
                 QFile f(percorso);
@@ -111,7 +112,7 @@ private Q_SLOTS:
                 const auto u = leggiUltimeQuote(percorso, campi);
                 QVERIFY(storia && u);
                 const QString riga = QStringLiteral("%1 fields, %2 bytes: ").arg(campi).arg(lunghezza);
-                const auto d = [&](const QuotaMS &q) { return riga + prova::descrivi(q); };
+                const auto d = [&](const QuotaMS &q) { return riga + vm::test::describe(q); };
                 QCOMPARE(u->ultima.has_value(), !storia->isEmpty());
                 QCOMPARE(u->precedente.has_value(), storia->size() > 1);
                 if (u->ultima)
@@ -141,21 +142,21 @@ private Q_SLOTS:
         QFETCH(int, campi);
         QFETCH(QList<float>, chiusure);
         QFETCH(QString, variazione);
-        QList<QuotaMS> q = prova::quote(int(chiusure.size()), QDate(2024, 5, 2), 1.0f, campi);
+        QList<QuotaMS> q = vm::test::dailyQuotes(int(chiusure.size()), QDate(2024, 5, 2), 1.0f, campi);
         for (qsizetype i = 0; i < q.size(); ++i)
             q[i].chiusura = chiusure[i];
         const QString percorso = scrivi(datiPrezziArchivio(q, campi));
         const auto g = GiornataMS(m_dir.path(), QFileInfo(percorso).fileName(), "Nome", "SIM", campi);
         QVERIFY(g);
         QCOMPARE(g->testoVariazione(), variazione);
-        QCOMPARE(prova::descrivi(
+        QCOMPARE(vm::test::describe(
                      QuotaMS { g->data, 0, g->apertura, g->massimo, g->minimo, g->chiusura, g->volume, g->ufficiale }),
-            prova::descrivi(q.last()));
+            vm::test::describe(q.last()));
     }
 
     void campiNonValidiEFileMancante()
     {
-        const QString percorso = scrivi(datiPrezziArchivio(prova::quote(5), 7));
+        const QString percorso = scrivi(datiPrezziArchivio(vm::test::dailyQuotes(5), 7));
         for (const int campi : { 0, 4, 8, 255 }) {
             QVERIFY(!PrezzoMs(percorso, campi));
             QCOMPARE(leggiStoria(percorso, campi).value_or(QList<QuotaMS> { QuotaMS {} }).size(), 0);

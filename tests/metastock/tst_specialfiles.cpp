@@ -1,6 +1,6 @@
 // Files of the wrong kind under the names the readers expect: each read returns, with the reason.
 
-#include "support/ArchiviProva.h"
+#include "support/Fixture.h"
 
 #include "metastock/FolderCheck.h"
 
@@ -134,7 +134,7 @@ private:
     {
         const QString folder = m_root.filePath(QString::number(++m_count));
         if (!QDir().mkpath(folder)
-            || !scriviArchivio(folder, { prova::titolo("UNO", "Uno"), prova::titolo("DUE", "Due") }))
+            || !scriviArchivio(folder, { vm::test::archiveTitle("UNO", "Uno"), vm::test::archiveTitle("DUE", "Due") }))
             qFatal("cannot write %s", qPrintable(folder));
         return folder;
     }

@@ -98,9 +98,9 @@ class TestGuiPassword : public QObject
     void start(const QString &stored)
     {
         m_db = database(stored);
-        m_main = vmtest::program().mainWindow();
+        m_main = vm::test::program().mainWindow();
         m_main->setHook(MainWindow::Hook::DossierOverview, [this] { ++m_overviews; });
-        security::registerWindows(vmtest::program().context(*m_main, *m_db));
+        security::registerWindows(vm::test::program().context(*m_main, *m_db));
         m_main->show();
     }
 
@@ -120,13 +120,13 @@ class TestGuiPassword : public QObject
     QWidget *form8() { return active(security::PasswordPromptWindow::instance()); }
 
 private Q_SLOTS:
-    void initTestCase() { vmtest::program().setFolder(m_tmp.path()); }
+    void initTestCase() { vm::test::program().setFolder(m_tmp.path()); }
 
     void init()
     {
         ui::testing::reset();
         m_overviews = 0;
-        vmtest::program().state.DossierProtetto = false;
+        vm::test::program().state.DossierProtetto = false;
     }
 
     void cleanup()
@@ -232,7 +232,7 @@ private Q_SLOTS:
         const bool guarded = !c.after.isEmpty();
         QCOMPARE(form10() != nullptr, c.open);
         QCOMPARE(m_main->isEnabled(), !c.open);
-        QCOMPARE(vmtest::program().state.DossierProtetto, guarded);
+        QCOMPARE(vm::test::program().state.DossierProtetto, guarded);
         QCOMPARE(m_main->statusBar()->toolTip(), guarded ? kProtected : kUnprotected);
         if (c.open && rightCurrent) { // a mismatch clears both new fields
             QVERIFY(child(form, "Text2")->text().isEmpty() && child(form, "Text3")->text().isEmpty());
@@ -264,7 +264,7 @@ private Q_SLOTS:
         QFETCH(QString, answer);
         QFETCH(bool, right);
         start(stored);
-        vmtest::program().state.ArchiviCompatibili = true;
+        vm::test::program().state.ArchiviCompatibili = true;
         m_main->button(1, QStringLiteral("portafoglio"))->trigger();
         QWidget *form = form8();
         QVERIFY(form && form->isVisible() && !m_main->isEnabled());
@@ -284,7 +284,7 @@ private Q_SLOTS:
         QCOMPARE(form8() != nullptr, wrong);
         QCOMPARE(m_main->isEnabled(), !wrong);
         QCOMPARE(m_overviews, right ? 1 : 0);
-        QCOMPARE(vmtest::program().state.DossierProtetto, !right);
+        QCOMPARE(vm::test::program().state.DossierProtetto, !right);
         // The stored password stays, and panel 4 with it: only this session is let through.
         QCOMPARE(m_db->dossierPassword(), row(stored));
         QCOMPARE(m_main->statusBar()->toolTip(), kProtected);

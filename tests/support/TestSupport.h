@@ -15,7 +15,7 @@
 #include <memory>
 #endif
 
-namespace vmtest {
+namespace vm::test {
 
 // A null array stands for no file at all.
 inline void writeFile(const QString &path, const QByteArray &bytes)
@@ -69,4 +69,4 @@ template<class T> T *child(const QObject *parent, const char *name)
     return parent->findChild<T *>(QString::fromLatin1(name));
 }
 
-} // namespace vmtest
+} // namespace vm::test
