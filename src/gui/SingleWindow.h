@@ -1,5 +1,7 @@
 #pragma once
 
+#include "gui/Twips.h"
+
 #include <QPointer>
 #include <QWidget>
 
@@ -9,12 +11,6 @@ namespace vm {
 
 // Centres a window on its screen.
 void centreOnScreen(QWidget *window);
-
-// The windows are laid out in twips, at 15 twips to a logical pixel.
-constexpr int px(int twips)
-{
-    return twips / 15;
-}
 
 namespace detail {
 // Watches a window for the hide that follows its close: from then on it only waits for its deletion.
