@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <cmath>
+
 namespace vm::metastock {
 
 namespace {
@@ -18,6 +20,19 @@ QString erroreApertura(const QString &percorso, const QFile &f)
 }
 
 } // namespace
+
+QString quoteDamage(const QuotaMS &q)
+{
+    const auto bad = [](double v) { return !std::isfinite(v) || std::abs(v) > kPlausibleLimit; };
+    const std::pair<const char *, std::optional<float>> fields[]
+        = { { "apertura", q.apertura }, { "massimo", q.massimo }, { "minimo", q.minimo }, { "chiusura", q.chiusura },
+              { "volume", q.volume }, { "ufficiale", q.ufficiale } };
+    for (const auto &[name, value] : fields) {
+        if (value && bad(*value))
+            return QStringLiteral("quotazione danneggiata (valore non valido in %1)").arg(QLatin1String(name));
+    }
+    return {};
+}
 
 int lunghezzaRecordPrezzi(int campi) noexcept
 {
@@ -141,6 +156,12 @@ std::optional<float> PrezzoMs(const QString &percorso, int campi, QString *error
         if (errore)
             *errore = QStringLiteral("Il file delle quotazioni ") + QDir::toNativeSeparators(percorso)
                 + QStringLiteral(" non contiene quotazioni (vuoto o danneggiato).");
+        return std::nullopt;
+    }
+    if (const QString damage = quoteDamage(*ultime->ultima); !damage.isEmpty()) {
+        if (errore)
+            *errore = QStringLiteral("Il file delle quotazioni ") + QDir::toNativeSeparators(percorso)
+                + QStringLiteral(": ultima ") + damage + u'.';
         return std::nullopt;
     }
     return ultime->ultima->chiusura;

@@ -21,6 +21,12 @@ struct QuotaMS {
     std::optional<float> ufficiale;
 };
 
+// Why a quote cannot be a real day's quote, in Italian, or an empty text for a sound one: a field that is not a
+// finite number of plausible size (NaN, infinity, the MBF overflow of an exponent byte 0xFF, anything beyond
+// plus or minus a million million). Such a quote is damaged: it is named, never valued or recorded.
+inline constexpr double kPlausibleLimit = 1e12;
+QString quoteDamage(const QuotaMS &quote);
+
 // 20, 24 or 28 bytes for 5, 6 or 7 fields; 0 for any other field count, which reads nothing.
 int lunghezzaRecordPrezzi(int campi) noexcept;
 
@@ -47,7 +53,7 @@ UltimeQuote ultimeDaCoda(QByteArrayView coda, qint64 lunghezzaFile, int campi);
 std::optional<UltimeQuote> leggiUltimeQuote(const QString &percorso, int campi, QString *errore = nullptr);
 std::optional<QList<QuotaMS>> leggiStoria(const QString &percorso, int campi, QString *errore = nullptr);
 
-// The close of the last quote; empty when the file cannot be read or holds no quote.
+// The close of the last quote; empty when the file cannot be read, holds no quote or its last quote is damaged.
 std::optional<float> PrezzoMs(const QString &percorso, int campi, QString *errore = nullptr);
 
 // The day quote of a title for the quote board.

@@ -171,6 +171,32 @@ private Q_SLOTS:
         QVERIFY(!GiornataMS(m_dir.path(), "F999.DAT", "N", "S", 7));
     }
 
+    // A last quote that cannot be a day's quote is named as damaged, never taken for a price.
+    void quotazioneDanneggiata_data()
+    {
+        QTest::addColumn<int>("field"); // 0-based field of the last record, after the date
+        QTest::addColumn<QByteArray>("mbf");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("close with exponent 0xFF") << 4 << QByteArray::fromHex("ffff7fff") << "in chiusura";
+        QTest::newRow("close beyond a million million") << 4 << QByteArray::fromHex("000000b0") << "in chiusura";
+        QTest::newRow("volume overflow") << 5 << QByteArray::fromHex("000000ff") << "in volume";
+        QTest::newRow("sound close") << 4 << QByteArray::fromHex("00002084") << "";
+    }
+    void quotazioneDanneggiata()
+    {
+        QFETCH(int, field);
+        QFETCH(QByteArray, mbf);
+        QFETCH(QString, reason);
+        QByteArray dati = datiPrezziArchivio(vm::test::dailyQuotes(3), 7);
+        dati.replace(dati.size() - 28 + 4 * field, 4, mbf);
+        const QString percorso = scrivi(dati);
+        QString errore;
+        const std::optional<float> chiusura = PrezzoMs(percorso, 7, &errore);
+        QCOMPARE(chiusura.has_value(), reason.isEmpty());
+        QVERIFY2(reason.isEmpty() ? errore.isEmpty() : errore.contains("danneggiata (valore non valido " + reason),
+            qPrintable(errore));
+    }
+
 private:
     QString scrivi(const QByteArray &dati)
     {
